@@ -1,0 +1,70 @@
+#include "nyr/frame/notifications.h"
+
+#include <cctype>
+#include <mutex>
+#include <unordered_map>
+
+namespace {
+
+struct Registry
+{
+    std::mutex mutex;  // hosts may register from any thread; registration is rare
+    std::unordered_map<std::string, unsigned int> byName;  // key: name in upper case
+    std::vector<std::string> names;                         // index: number - 0xC000
+};
+
+Registry& TheRegistry()
+{
+    static Registry registry;
+    return registry;
+}
+
+std::string Key(const char* name)
+{
+    std::string key(name);
+    for (char& c : key)
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return key;
+}
+
+constexpr unsigned int kLastRegisteredMessage = 0xFFFF;
+
+}  // namespace
+
+unsigned int NyrRegisterWindowMessage(const char* name)
+{
+    if (!name || !*name)
+        return 0;
+    Registry& registry = TheRegistry();
+    std::lock_guard lock(registry.mutex);
+    std::string key = Key(name);
+    if (const auto it = registry.byName.find(key); it != registry.byName.end())
+        return it->second;
+    const auto number = kNyrFirstRegisteredMessage + static_cast<unsigned int>(registry.names.size());
+    if (number > kLastRegisteredMessage)
+        return 0;
+    registry.byName.emplace(std::move(key), number);
+    registry.names.emplace_back(name);
+    return number;
+}
+
+std::string NyrRegisteredMessageName(unsigned int message)
+{
+    Registry& registry = TheRegistry();
+    std::lock_guard lock(registry.mutex);
+    if (message < kNyrFirstRegisteredMessage || message - kNyrFirstRegisteredMessage >= registry.names.size())
+        return {};
+    return registry.names[message - kNyrFirstRegisteredMessage];
+}
+
+// Registered during the library's static initialisation, in this order.
+#define NYR_DEFINE_NOTIFICATION(name) const unsigned int name = NyrRegisterWindowMessage(#name);
+NYR_NOTIFICATIONS(NYR_DEFINE_NOTIFICATION)
+#undef NYR_DEFINE_NOTIFICATION
+
+std::vector<std::pair<std::string, unsigned int>> NyrLibraryNotifications()
+{
+#define NYR_LIST_NOTIFICATION(name) {#name, name},
+    return {NYR_NOTIFICATIONS(NYR_LIST_NOTIFICATION)};
+#undef NYR_LIST_NOTIFICATION
+}

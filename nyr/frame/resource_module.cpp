@@ -1,0 +1,281 @@
+#include "nyr/frame/resource_module.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "nyr/frame/text_table_p.h"
+#include "nyr/platform/string_format.h"
+
+namespace {
+
+const char* FindBuiltin(unsigned id)
+{
+    const auto table = NyrBuiltinTexts();
+    const auto it = std::lower_bound(table.begin(), table.end(), id,
+                                     [](const CNyrBuiltinText& e, unsigned key) { return e.id < key; });
+    return it != table.end() && it->id == id ? it->text : nullptr;
+}
+
+struct ResourceState
+{
+    NyrResourceHandle nyrResource = CNyrResourceModule::Library();
+    NyrResourceHandle current = CNyrResourceModule::Host();
+    NyrResourceHandle saved = nullptr;  // the single save slot; null when empty
+};
+
+ResourceState& State()
+{
+    static ResourceState state;
+    return state;
+}
+
+bool Fail(std::string* error, const std::string& name, int line, const std::string& reason)
+{
+    if (error)
+        *error = name + ":" + std::to_string(line) + ": " + reason;
+    return false;
+}
+
+// Reads one quoted text with its escapes from `in` starting at the opening quote.
+bool ParseQuoted(const std::string& in, std::size_t pos, std::string& out, std::string& reason)
+{
+    out.clear();
+    for (++pos; pos < in.size(); ++pos) {
+        char c = in[pos];
+        if (c == '"') {
+            const auto rest = in.find_first_not_of(" \t\r", pos + 1);
+            if (rest != std::string::npos) {
+                reason = "text after the closing quote";
+                return false;
+            }
+            return true;
+        }
+        if (c == '\\') {
+            if (++pos == in.size())
+                break;
+            switch (in[pos]) {
+            case 'n': c = '\n'; break;
+            case 'r': c = '\r'; break;
+            case 't': c = '\t'; break;
+            case '"': c = '"'; break;
+            case '\\': c = '\\'; break;
+            default: reason = std::string("unknown escape \\") + in[pos]; return false;
+            }
+        }
+        out += c;
+    }
+    reason = "missing closing quote";
+    return false;
+}
+
+void AppendQuoted(std::string& out, const std::string& text)
+{
+    out += '"';
+    for (char c : text) {
+        switch (c) {
+        case '\n': out += "\\n"; break;
+        case '\r': out += "\\r"; break;
+        case '\t': out += "\\t"; break;
+        case '"': out += "\\\""; break;
+        case '\\': out += "\\\\"; break;
+        default: out += c;
+        }
+    }
+    out += '"';
+}
+
+}  // namespace
+
+struct CNyrBuiltinTexts
+{
+    static CNyrResourceModule* Make()
+    {
+        auto* module = new CNyrResourceModule("Nyr240");
+        module->m_builtin = true;
+        return module;
+    }
+};
+
+CNyrResourceModule::CNyrResourceModule(std::string name) : m_name(std::move(name)) {}
+CNyrResourceModule::~CNyrResourceModule() = default;
+
+CNyrResourceModule* CNyrResourceModule::Library()
+{
+    // Never destroyed: texts may be loaded from other objects' destructors at exit.
+    static CNyrResourceModule* library = CNyrBuiltinTexts::Make();
+    return library;
+}
+
+CNyrResourceModule* CNyrResourceModule::Host()
+{
+    static CNyrResourceModule* host = new CNyrResourceModule("host");
+    return host;
+}
+
+std::unique_ptr<CNyrResourceModule> CNyrResourceModule::LoadFromText(const std::string& text, const std::string& name,
+                                                                     std::string* error)
+{
+    auto module = std::make_unique<CNyrResourceModule>(name);
+    std::istringstream lines(text);
+    std::string line;
+    int number = 0;
+    while (std::getline(lines, line)) {
+        ++number;
+        const auto first = line.find_first_not_of(" \t\r");
+        if (first == std::string::npos || line[first] == '#')
+            continue;
+        std::size_t pos = first;
+        unsigned long id = 0;
+        while (pos < line.size() && line[pos] >= '0' && line[pos] <= '9') {
+            id = id * 10 + static_cast<unsigned long>(line[pos] - '0');
+            if (id > 0xFFFFFFFFul)
+                return Fail(error, name, number, "number out of range"), nullptr;
+            ++pos;
+        }
+        if (pos == first)
+            return Fail(error, name, number, "a line must start with a text number"), nullptr;
+        pos = line.find_first_not_of(" \t", pos);
+        if (pos == std::string::npos || line[pos] != '"')
+            return Fail(error, name, number, "expected a double-quoted text after the number"), nullptr;
+        std::string value, reason;
+        if (!ParseQuoted(line, pos, value, reason))
+            return Fail(error, name, number, reason), nullptr;
+        // A translated format must take exactly the arguments the library passes.
+        if (const char* builtin = FindBuiltin(static_cast<unsigned>(id))) {
+            const std::string want = NyrFormatConversions(builtin);
+            if (NyrFormatConversions(value) != want)
+                return Fail(error, name, number, "the text must keep the conversions \"" + want + "\" of the built-in text"),
+                       nullptr;
+        }
+        module->m_texts[static_cast<unsigned>(id)] = std::move(value);
+    }
+    return module;
+}
+
+std::unique_ptr<CNyrResourceModule> CNyrResourceModule::LoadFromFile(const std::string& path, std::string* error)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        if (error)
+            *error = path + ": cannot be read";
+        return nullptr;
+    }
+    std::ostringstream content;
+    content << in.rdbuf();
+    return LoadFromText(content.str(), path, error);
+}
+
+bool CNyrResourceModule::LoadString(unsigned id, std::string& text) const
+{
+    if (m_builtin) {
+        const char* found = FindBuiltin(id);
+        text = found ? found : "";
+        return found != nullptr;
+    }
+    const auto it = m_texts.find(id);
+    if (it == m_texts.end()) {
+        text.clear();
+        return false;
+    }
+    text = it->second;
+    return true;
+}
+
+void CNyrResourceModule::SetString(unsigned id, std::string text)
+{
+    if (m_builtin) {
+        // The built-in table is read-only; copy its entries on first change.
+        for (const auto& entry : NyrBuiltinTexts())
+            m_texts.emplace(entry.id, entry.text);
+        m_builtin = false;
+    }
+    m_texts[id] = std::move(text);
+}
+
+std::size_t CNyrResourceModule::Size() const
+{
+    return m_builtin ? NyrBuiltinTexts().size() : m_texts.size();
+}
+
+const std::string& CNyrResourceModule::Name() const
+{
+    return m_name;
+}
+
+std::string CNyrResourceModule::ToText() const
+{
+    std::string out;
+    auto write = [&out](unsigned id, const std::string& text) {
+        out += std::to_string(id);
+        out += ' ';
+        AppendQuoted(out, text);
+        out += '\n';
+    };
+    if (m_builtin) {
+        for (const auto& entry : NyrBuiltinTexts())
+            write(entry.id, entry.text);
+    } else {
+        for (const auto& [id, text] : m_texts)
+            write(id, text);
+    }
+    return out;
+}
+
+void NyrSetNyrResourceHandle(NyrResourceHandle module)
+{
+    State().nyrResource = module;
+}
+
+NyrResourceHandle NyrGetNyrResourceHandle()
+{
+    return State().nyrResource;
+}
+
+NyrResourceHandle NyrGetCurrentResourceHandle()
+{
+    return State().current;
+}
+
+void NyrSetCurrentResourceHandle(NyrResourceHandle module)
+{
+    State().current = module;
+}
+
+void NyrSetResourceHandle(NyrResourceHandle module)
+{
+    ResourceState& state = State();
+    state.saved = state.current;
+    state.current = module;
+}
+
+void NyrRestoreResourceHandle()
+{
+    ResourceState& state = State();
+    if (state.saved) {
+        state.current = state.saved;
+        state.saved = nullptr;
+    }
+}
+
+std::string NyrLoadCurrentString(unsigned id)
+{
+    std::string text;
+    if (const NyrResourceHandle current = State().current)
+        current->LoadString(id, text);
+    return text;
+}
+
+std::string NyrLoadString(NyrResourceHandle module, unsigned id)
+{
+    NyrSetResourceHandle(module);
+    std::string text = NyrLoadCurrentString(id);
+    NyrRestoreResourceHandle();
+    return text;
+}
+
+std::string NyrLoadString(unsigned id)
+{
+    return NyrLoadString(NyrGetNyrResourceHandle(), id);
+}

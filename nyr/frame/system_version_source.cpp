@@ -1,0 +1,102 @@
+// The version source of this platform: the Linux library that plays the part
+// of each Windows library, its version read from the file the dynamic loader
+// resolves (see version_check.h for the table and the rule).
+#include <dlfcn.h>
+#include <link.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <strings.h>
+
+#include "nyr/frame/version_check.h"
+
+namespace {
+
+struct Counterpart
+{
+    const char* windowsName;
+    const char* soname;
+    std::uint32_t levelMajor, levelMinor;  // interface level reported from Qt 6.2 on
+};
+
+constexpr Counterpart kCounterparts[] = {
+    {"ComCtl32.Dll", "libQt6Widgets.so.6", 6, 0}, {"Shell32.Dll", "libQt6Gui.so.6", 6, 0},
+    {"Shlwapi.Dll", "libQt6Core.so.6", 6, 0},     {"ShFolder.Dll", "libQt6Core.so.6", 6, 0},
+    {"Mfc70.Dll", "libQt6Widgets.so.6", 7, 0},
+};
+
+constexpr std::uint32_t kMinimumMajor = 6, kMinimumMinor = 2;
+
+// "libQt6Widgets.so.6.4.2" gives 6, 4, 2; false when no version follows ".so.".
+bool VersionFromFileName(const std::string& path, std::uint32_t (&parts)[3])
+{
+    const auto so = path.rfind(".so.");
+    if (so == std::string::npos)
+        return false;
+    const char* p = path.c_str() + so + 4;
+    for (int i = 0; i < 3; ++i) {
+        parts[i] = 0;
+        if (*p < '0' || *p > '9')
+            return i > 0;
+        char* end = nullptr;
+        parts[i] = static_cast<std::uint32_t>(std::strtoul(p, &end, 10) & 0xFFFF);
+        p = end;
+        if (*p == '.')
+            ++p;
+    }
+    return true;
+}
+
+class SystemSource final : public CNyrVersionSource
+{
+public:
+    bool Query(const std::string& fileName, VS_FIXEDFILEINFO& info, unsigned long& errorCode) override
+    {
+        for (const Counterpart& c : kCounterparts) {
+            if (strcasecmp(c.windowsName, fileName.c_str()) == 0)
+                return Read(c, info, errorCode);
+        }
+        errorCode = ENOENT;
+        return false;
+    }
+
+private:
+    static bool Read(const Counterpart& c, VS_FIXEDFILEINFO& info, unsigned long& errorCode)
+    {
+        void* handle = dlopen(c.soname, RTLD_LAZY | RTLD_LOCAL);
+        if (!handle) {
+            errorCode = ENOENT;
+            return false;
+        }
+        link_map* map = nullptr;
+        std::string path;
+        if (dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map && map->l_name) {
+            char resolved[PATH_MAX];
+            path = realpath(map->l_name, resolved) ? resolved : map->l_name;
+        }
+        dlclose(handle);
+        std::uint32_t v[3];
+        if (!VersionFromFileName(path, v)) {
+            errorCode = ENOEXEC;
+            return false;
+        }
+        info = VS_FIXEDFILEINFO{};
+        info.dwSignature = 0xFEEF04BD;
+        info.dwStrucVersion = 0x00010000;
+        info.dwFileVersionMS = v[0] << 16 | v[1];
+        info.dwFileVersionLS = v[2] << 16;
+        const bool recent = v[0] > kMinimumMajor || (v[0] == kMinimumMajor && v[1] >= kMinimumMinor);
+        info.dwProductVersionMS = recent ? (c.levelMajor << 16 | c.levelMinor) : info.dwFileVersionMS;
+        info.dwProductVersionLS = recent ? 0 : info.dwFileVersionLS;
+        return true;
+    }
+};
+
+}  // namespace
+
+CNyrVersionSource& NyrSystemVersionSource()
+{
+    static SystemSource source;
+    return source;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "nyr/platform/export.h"
+
+// The few places where the toolkit-free core touches the user interface go
+// through these hooks. The core's defaults are headless: no cursor, and a
+// message box that writes "caption: text" to standard error and answers OK.
+// libNyr240Widgets installs Qt versions when it is loaded.
+struct CNyrUiHooks
+{
+    void (*beginWaitCursor)() = nullptr;
+    void (*endWaitCursor)() = nullptr;
+    // Shows `text` modally; `style` takes the platform's message-box style
+    // values (MB_OK = 0, MB_ICONERROR = 0x10, ...). Returns the result code
+    // of the button pressed (1 OK, 2 Cancel, ...).
+    int (*messageBox)(const std::string& text, const std::string& caption, unsigned style) = nullptr;
+};
+
+// Replaces the hooks; a null member falls back to the headless default.
+NYR_EXPORT void NyrSetUiHooks(const CNyrUiHooks& hooks);
+NYR_EXPORT const CNyrUiHooks& NyrGetUiHooks();
+
+// Shows a message through the installed hook.
+NYR_EXPORT int NyrMessageBox(const std::string& text, const std::string& caption = {}, unsigned style = 0);
+
+// Shows the busy cursor for the lifetime of the object (nesting is allowed:
+// every begin is matched by an end).
+class NYR_EXPORT CNyrBusyCursor
+{
+public:
+    CNyrBusyCursor();
+    ~CNyrBusyCursor();
+    CNyrBusyCursor(const CNyrBusyCursor&) = delete;
+    CNyrBusyCursor& operator=(const CNyrBusyCursor&) = delete;
+};

@@ -1,0 +1,56 @@
+#include <gtest/gtest.h>
+
+#include "cli_test_p.h"
+
+namespace {
+
+TEST(CliFrame, TextPrintsTheTableOrTheLanguageModule)
+{
+    auto r = Nyr({"text", "26051"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "Finished searching this view. No more matches found.\n");
+
+    r = Nyr({"text", "--language", NYR_SOURCE_DIR "/data/lang/de.lang", "26100"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "Abbrechen\n");
+
+    EXPECT_EQ(Nyr({"text", "26210"}).exitCode, 1);  // a gap in the numbering
+    EXPECT_EQ(Nyr({"text", "abc"}).exitCode, 2);
+    EXPECT_EQ(Nyr({"text"}).exitCode, 2);
+    EXPECT_EQ(Nyr({"text", "--language", "/nonexistent/x.lang", "1"}).exitCode, 1);
+}
+
+TEST(CliFrame, DumpIsALanguageModuleOfTheWholeTable)
+{
+    const auto r = Nyr({"text", "--dump"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_NE(r.out.find("26032 \"&Find...\\tCtrl+F\"\n"), std::string::npos);
+}
+
+TEST(CliFrame, MessagesListsAllHundredAndOne)
+{
+    const auto r = Nyr({"messages"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 101);
+    EXPECT_EQ(r.out.rfind("0xc000\t49152\tWM_NYR_PROPERTIES\n", 0), 0u);
+}
+
+TEST(CliFrame, RequirementsPassOnThisSystem)
+{
+    const auto r = Nyr({"requirements"});
+    EXPECT_EQ(r.exitCode, 0) << r.out;
+    EXPECT_EQ(r.out, "result 0\nAll requirements are met.\n");
+}
+
+TEST(CliFrame, HelpAndUsageErrors)
+{
+    EXPECT_EQ(Nyr({"--help"}).exitCode, 0);
+    EXPECT_EQ(Nyr({}).exitCode, 2);
+    EXPECT_EQ(Nyr({"frobnicate"}).exitCode, 2);
+    const auto r = Nyr({"text", "--help"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out.rfind("Usage: nyr text", 0), 0u);
+    EXPECT_EQ(Nyr({"messages", "extra"}).exitCode, 2);
+}
+
+}  // namespace
