@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QPointer>
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -177,9 +178,15 @@ int CNyrMessageBox::ShowMessageDialog(const char* key, QWidget* parent, const ch
     int tick = 0;
     {
         const NormalCursorWhileAsking cursor;
-        CNyrMessageBoxDialog dialog(parent, text, title.c_str(), style, entry.defaultValue, entry.offerDoNotPrompt);
-        result = dialog.ShowMessageBox();
-        tick = dialog.GetDoNotPromptUser();
+        // On the heap: a parent destroyed while the dialog is up takes the
+        // dialog with it.
+        QPointer<CNyrMessageBoxDialog> dialog =
+            new CNyrMessageBoxDialog(parent, text, title.c_str(), style, entry.defaultValue, entry.offerDoNotPrompt);
+        result = dialog->ShowMessageBox();
+        if (!dialog)
+            return result;  // nobody answered: nothing to remember
+        tick = dialog->GetDoNotPromptUser();
+        delete dialog;
     }
 
     if (result == NYR_IDCANCEL || result == NYR_IDABORT)
@@ -232,10 +239,7 @@ int CNyrMessageBox::CheckKey(std::string& key)
         return 0;
     if (std::count(key.begin(), key.end(), '/') >= kMaxKeyLevels)
         return 0;
-    const bool unfit = std::any_of(key.begin(), key.end(), [](unsigned char c) {
-        return c < 0x20 || c == 0x7F || c == '[' || c == ']';
-    });
-    return unfit ? 0 : 1;
+    return key.find_first_of(std::string("]\r\n\0", 4)) == std::string::npos ? 1 : 0;
 }
 
 std::string CNyrMessageBox::SectionName(const char* key)

@@ -85,7 +85,9 @@ public:
     //  5. Otherwise the dialog is shown modally with the message's default
     //     value (as default button) and check-box offer. A wait cursor shown
     //     before gives way to the normal cursor while the dialog is up and is
-    //     shown again afterwards; the focus goes back where it was.
+    //     shown again afterwards; the focus goes back where it was. A dialog
+    //     destroyed with its parent while up gives its cancel value and
+    //     stores nothing.
     //  6. Cancel (2) and Abort (3) are never remembered: intended, a user who
     //     backs out has not answered.
     //  7. Any other answer: when the check box is offered and the answer is
@@ -119,9 +121,9 @@ public:
 
     // Normalises `key` in place (see above) and returns non-zero when it is
     // well formed: not empty, no empty level ("a//b"), at most kMaxKeyLevels
-    // levels, and no character that the settings file cannot keep in a
-    // section name (control characters, "[" and "]"). Only the report
-    // depends on these rules; ShowMessageDialog goes on with any key.
+    // levels, and no character that the settings file refuses in a section
+    // name ("]", CR, LF, NUL: the answer of such a key is not stored). Only
+    // the report depends on these rules; ShowMessageDialog goes on with any key.
     static int CheckKey(std::string& key);
     static constexpr int kMaxKeyLevels = 8;
 

@@ -22,10 +22,13 @@ class QTreeWidget;
 // cannot be ticked here (only an answer in the message box itself can be
 // remembered). Changes go to the table only: Apply() stores them in the
 // settings file, Revert() undoes them, so the view fits a dialog with OK and
-// Cancel. Headings come from CNyrMessageBox::GetSub1Text() (key column; "Remembered Answers"
-// when empty), GetSub2Text() (answer), GetSub3Text() (text) and
-// GetSub4Text() (the item for all messages; the application's name when
-// empty, else "Remembered Answers"), read when the view is built.
+// Cancel.
+//
+// Texts: the window title is "Remembered Answers". The headings come from
+// CNyrMessageBox::GetSub1Text() (key column; "Remembered Answers" when
+// empty), GetSub2Text() (answer column) and GetSub3Text() (text column), the
+// label of the item for all messages from GetSub4Text() (else the
+// application's name, else "Remembered Answers"); read when the tree is built.
 class NYR_EXPORT CNyrMessageBoxAnswersView : public QWidget
 {
     Q_OBJECT

@@ -10,20 +10,14 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 #include "nyr/frame/resource_module.h"
 #include "nyrwidgets/msgbox/message_box_p.h"
 
 namespace {
 
-// One button of the row, in display order.
-struct ButtonKind
-{
-    int result;
-    unsigned captionId;  // text table
-};
-
-// The row's fixed order; each kind appears when the style asks for it.
+// The kinds of button a row can show.
 enum : unsigned {
     kOk = 1u << 0,
     kOkToAll = 1u << 1,
@@ -40,11 +34,20 @@ enum : unsigned {
     kCancel = 1u << 12,
 };
 
+struct ButtonKind
+{
+    unsigned kind;
+    int result;
+    unsigned captionId;  // text table
+};
+
+// Every button in the row's fixed order.
 constexpr ButtonKind kOrder[] = {
-    {NYR_IDOK, 26099},        {NYR_IDOKTOALL, 26112}, {NYR_IDYES, 26101},      {NYR_IDYESTOALL, 26109},
-    {NYR_IDNO, 26102},        {NYR_IDNOTOALL, 26108}, {NYR_IDABORT, 26103},    {NYR_IDRETRY, 26105},
-    {NYR_IDTRYAGAIN, 26113},  {NYR_IDIGNORE, 26104},  {NYR_IDIGNOREALL, 26110}, {NYR_IDCONTINUE, 26114},
-    {NYR_IDCANCEL, 26100},
+    {kOk, NYR_IDOK, 26099},           {kOkToAll, NYR_IDOKTOALL, 26112},     {kYes, NYR_IDYES, 26101},
+    {kYesToAll, NYR_IDYESTOALL, 26109}, {kNo, NYR_IDNO, 26102},             {kNoToAll, NYR_IDNOTOALL, 26108},
+    {kAbort, NYR_IDABORT, 26103},     {kRetry, NYR_IDRETRY, 26105},         {kTryAgain, NYR_IDTRYAGAIN, 26113},
+    {kIgnore, NYR_IDIGNORE, 26104},   {kIgnoreAll, NYR_IDIGNOREALL, 26110}, {kContinue, NYR_IDCONTINUE, 26114},
+    {kCancel, NYR_IDCANCEL, 26100},
 };
 constexpr unsigned kSkipCaption = 26106;
 constexpr unsigned kSkipAllCaption = 26107;
@@ -67,15 +70,14 @@ constexpr ButtonSet kSets[] = {
     {kTryAgain | kContinue | kCancel, NYR_IDCANCEL},
 };
 
-QStyle::StandardPixmap IconFor(unsigned style, bool* any)
+std::optional<QStyle::StandardPixmap> IconFor(unsigned style)
 {
-    *any = true;
     switch (style & NYR_MB_ICONMASK) {
     case NYR_MB_ICONERROR: return QStyle::SP_MessageBoxCritical;
     case NYR_MB_ICONQUESTION: return QStyle::SP_MessageBoxQuestion;
     case NYR_MB_ICONWARNING: return QStyle::SP_MessageBoxWarning;
     case NYR_MB_ICONINFORMATION: return QStyle::SP_MessageBoxInformation;
-    default: *any = false; return QStyle::SP_MessageBoxInformation;
+    default: return std::nullopt;
     }
 }
 
@@ -109,7 +111,7 @@ struct CNyrMessageBoxDialog::Private
 {
     std::vector<std::pair<int, QPushButton*>> buttons;  // display order
     QCheckBox* doNotPrompt = nullptr;                   // null when not offered
-    QPushButton* defaultButton = nullptr;
+    int defaultResult = NYR_IDOK;
     int cancelValue = NYR_IDCANCEL;
 };
 
@@ -140,13 +142,11 @@ CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, co
     auto* body = new QHBoxLayout;
     top->addLayout(body);
 
-    bool hasIcon = false;
-    const QStyle::StandardPixmap pixmap = IconFor(style, &hasIcon);
-    if (hasIcon) {
+    if (const auto pixmap = IconFor(style)) {
         auto* icon = new QLabel(this);
         icon->setObjectName("icon");
         const int size = this->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-        icon->setPixmap(this->style()->standardIcon(pixmap, nullptr, this).pixmap(size, size));
+        icon->setPixmap(this->style()->standardIcon(*pixmap, nullptr, this).pixmap(size, size));
         icon->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
         body->addWidget(icon, 0, Qt::AlignTop);
     }
@@ -172,17 +172,16 @@ CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, co
     row->addStretch();
     top->addLayout(row);
     int width = 0;
-    for (std::size_t i = 0; i < std::size(kOrder); ++i) {
-        if (!(kinds & (1u << i)))
+    for (const ButtonKind& kind : kOrder) {
+        if (!(kinds & kind.kind))
             continue;
-        unsigned captionId = kOrder[i].captionId;
-        if (kOrder[i].result == NYR_IDIGNORE && (style & NYR_MB_SKIP))
+        unsigned captionId = kind.captionId;
+        if (kind.kind == kIgnore && (style & NYR_MB_SKIP))
             captionId = kSkipCaption;
-        else if (kOrder[i].result == NYR_IDIGNOREALL && (style & NYR_MB_SKIPALL))
+        else if (kind.kind == kIgnoreAll && (style & NYR_MB_SKIPALL))
             captionId = kSkipAllCaption;
         auto* button = new QPushButton(QString::fromStdString(NyrLoadString(captionId)), this);
-        button->setObjectName(QStringLiteral("button%1").arg(kOrder[i].result));
-        const int result = kOrder[i].result;
+        const int result = kind.result;
         connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
         row->addWidget(button);
         d->buttons.emplace_back(result, button);
@@ -197,9 +196,9 @@ CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, co
         const std::size_t nth = (style & NYR_MB_DEFMASK) >> 8;
         chosen = d->buttons.begin() + (nth < d->buttons.size() ? nth : 0);
     }
-    d->defaultButton = chosen->second;
-    d->defaultButton->setDefault(true);
-    d->defaultButton->setFocus(Qt::OtherFocusReason);
+    d->defaultResult = chosen->first;
+    chosen->second->setDefault(true);
+    chosen->second->setFocus(Qt::OtherFocusReason);
 }
 
 CNyrMessageBoxDialog::~CNyrMessageBoxDialog() = default;
@@ -215,7 +214,11 @@ int CNyrMessageBoxDialog::ShowMessageBox()
         return answer;
     }
     const QPointer<QWidget> focus = QApplication::focusWidget();
-    const int result = exec();
+    const QPointer<CNyrMessageBoxDialog> self(this);
+    const int cancelValue = d->cancelValue;
+    int result = exec();
+    if (!self)
+        result = cancelValue;  // destroyed with its parent while up
     if (focus) {
         focus->activateWindow();
         focus->setFocus(Qt::OtherFocusReason);
@@ -252,10 +255,7 @@ QPushButton* CNyrMessageBoxDialog::Button(int result) const
 
 int CNyrMessageBoxDialog::DefaultResult() const
 {
-    for (const auto& b : d->buttons)
-        if (b.second == d->defaultButton)
-            return b.first;
-    return d->cancelValue;
+    return d->defaultResult;
 }
 
 int CNyrMessageBoxDialog::CancelValue() const

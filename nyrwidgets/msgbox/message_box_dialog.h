@@ -107,8 +107,10 @@ public:
 
     // Runs the dialog modally and returns the result code of the button
     // pressed (or the cancel value). The widget that had the keyboard focus
-    // before gets it back afterwards, when it still exists. With an answer
-    // hook installed the dialog is not run: see SetAnswerHook.
+    // before gets it back afterwards, when it still exists. A dialog that is
+    // destroyed while it runs (its parent went) returns the cancel value; the
+    // caller must then not touch it again (hold it in a QPointer). With an
+    // answer hook installed the dialog is not run: see SetAnswerHook.
     int ShowMessageBox();
 
     // Non-zero when the check box was offered and ticked.

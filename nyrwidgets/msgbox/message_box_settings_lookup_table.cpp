@@ -84,11 +84,11 @@ int CNyrMessageBoxSettingsLookupTable::UpdateMessage(const std::string& key, con
                                                msg.doNotPromptInFuture);
         CNyrProfileEntries::WriteNyrProfileInt(section, CNyrProfileEntries::MessageBoxDefaultValue(), msg.defaultValue);
     }
-    const auto it = m_entries.find(section);
-    if (it != m_entries.end()) {
-        it->second.msg = msg;
-    } else {
-        m_entries.emplace(section, Entry{msg, msg.doNotPromptInFuture, msg.defaultValue});
+    Entry& entry = m_entries.try_emplace(section, Entry{msg, msg.doNotPromptInFuture, msg.defaultValue}).first->second;
+    entry.msg = msg;
+    if (write) {  // what the file holds is the original now
+        entry.orgDoNotPrompt = msg.doNotPromptInFuture;
+        entry.orgDefaultValue = msg.defaultValue;
     }
     return 1;
 }

@@ -39,7 +39,8 @@ public:
     // Refuses (returns 0, changes nothing) an entry whose default value is
     // below 1 and an empty key. With `write` non-zero the settings file gets
     // "DoNotPromptInFuture" and "defaultvalue" in the section `key` first.
-    // Then the table entry is replaced or inserted; returns 1.
+    // Then the table entry is replaced or inserted (a written one also
+    // becomes its original values); returns 1.
     int UpdateMessage(const std::string& key, const PERSISTENT_MSG& msg, int write);
     // Reads the remembered pair of `key` from the settings file into `msg`'s
     // flag and default value; 0 (and `msg` unchanged) when there is no valid pair.

@@ -24,8 +24,8 @@ int main(int argc, char** argv)
         defaultButton = dialog.DefaultResult();
         return dialog.CancelValue();
     });
-    const int result =
-        CNyrMessageBox::ShowMessageDialog(argv[2], nullptr, "Overwrite?", "Import", NYR_MB_YESNOCANCEL | NYR_MB_YESTOALL);
+    const unsigned style = NYR_MB_YESNOCANCEL | NYR_MB_YESTOALL;
+    const int result = CNyrMessageBox::ShowMessageDialog(argv[2], nullptr, "Overwrite?", "Import", style);
     if (defaultButton)
         std::printf("asked %d\n", defaultButton);
     else
