@@ -13,10 +13,11 @@
 // to ASCII case, as the settings file's section names do.
 //
 // The table reads the settings file (NyrGetProfilePath()) per section, when a
-// message is added or read with ReadIniFile: the file has no list of its
-// sections to load from. A stored pair is used only when it is valid
-// ("DoNotPromptInFuture" 0 or 1, "defaultvalue" a known result code);
-// anything else is refused whole and the registered values stay.
+// message is added or read with ReadIniFile (the settings store does not
+// list its sections). A stored pair is used only when it is valid
+// ("DoNotPromptInFuture" 0 or 1, "defaultvalue" a whole number that is a
+// known result code); anything else is refused whole and the registered
+// values stay. Not locked: use it from the user-interface thread.
 class NYR_EXPORT CNyrMessageBoxSettingsLookupTable
 {
 public:
