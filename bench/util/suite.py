@@ -52,10 +52,13 @@ def configparser_times(repetitions):
 
         read_time = median_time(reads, repetitions)
 
+        rounds = [0]
+
         def writes():
+            rounds[0] += 1
             for i in range(1000):
                 section, entry = keys[i]
-                cp.set(section, entry, str(i))
+                cp.set(section, entry, str(rounds[0] * 1000 + i))
                 with open(path, "w") as f:
                     cp.write(f)
 

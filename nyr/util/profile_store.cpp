@@ -6,9 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <ctime>
-#include <climits>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -22,10 +21,11 @@ namespace {
 
 // How long a read trusts the cached parse without looking at the file,
 // measured on the coarse monotonic clock, so in practice until its next tick
-// (1 to 4 ms, by the kernel's HZ). The file's own times come from the same
-// coarse clock, so they cannot tell changes apart more finely anyway; and a
-// burst of reads (restoring a window's layout, say) costs one stat instead of
-// one per read. Reading the coarse clock costs a fraction of the fine one.
+// (1 to 10 ms by the kernel's tick rate, 4 ms on Debian). The file's own
+// times come from the same coarse clock, so they cannot tell changes apart
+// more finely anyway; and a burst of reads (restoring a window's layout, say)
+// costs one stat instead of one per read. The coarse clock is also a fraction
+// of the fine one's cost.
 constexpr int64_t kTrustCachedNs = 1'000'000;
 
 int64_t CoarseNow()
@@ -117,7 +117,7 @@ std::optional<std::string> ReadAll(int fd, off_t sizeHint)
     size_t have = 0;
     for (;;) {
         if (have == content.size()) {
-            if (content.size() >= static_cast<size_t>(kMaxFileSize))
+            if (have > static_cast<size_t>(kMaxFileSize))  // grew past the limit since fstat
                 return std::nullopt;
             content.resize(have + 4096);
         }

@@ -14,7 +14,7 @@ namespace nyr::detail {
 //
 // The parsed file is cached. A read trusts the cache until the coarse clock
 // has moved 1 ms on from the last look at the file (one clock tick, 1 to
-// 4 ms); after that it checks size, modification time, change time and inode
+// 10 ms); after that it checks size, modification time, change time and inode
 // (one stat) and parses again only when one differs. Writes of this process
 // update the cache at once.
 bool ReadProfileValue(const std::string& path, std::string_view section, std::string_view entry,

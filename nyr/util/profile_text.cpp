@@ -38,23 +38,31 @@ bool HasLineBreakOrZero(std::string_view s)
 uint32_t NameTag(std::string_view s)
 {
     constexpr uint64_t kFold = 0x2020202020202020ull;
-    constexpr uint64_t kMul = 0x9E3779B97F4A7C15ull;
-    uint64_t h = s.size() * kMul;
+    constexpr uint64_t kMulA = 0x9E3779B97F4A7C15ull;
+    constexpr uint64_t kMulB = 0xC2B2AE3D27D4EB4Full;
+    // Two independent multiply chains over 16 bytes a step.
+    uint64_t a = s.size() * kMulA;
+    uint64_t b = ~a;
     const char* p = s.data();
     size_t n = s.size();
-    for (; n >= 8; n -= 8, p += 8) {
-        uint64_t w;
-        std::memcpy(&w, p, 8);
-        h = (h ^ (w | kFold)) * kMul;
-        h ^= h >> 29;
+    for (; n >= 16; n -= 16, p += 16) {
+        uint64_t w0, w1;
+        std::memcpy(&w0, p, 8);
+        std::memcpy(&w1, p + 8, 8);
+        a = (a ^ (w0 | kFold)) * kMulA;
+        b = (b ^ (w1 | kFold)) * kMulB;
     }
-    if (n) {
-        uint64_t w = 0;
-        std::memcpy(&w, p, n);
-        h = (h ^ (w | kFold)) * kMul;
-    }
+    uint64_t w0 = 0, w1 = 0;
+    std::memcpy(&w0, p, n < 8 ? n : 8);
+    if (n > 8)
+        std::memcpy(&w1, p + 8, n - 8);
+    a = (a ^ (w0 | kFold)) * kMulA;
+    b = (b ^ (w1 | kFold)) * kMulB;
+    uint64_t h = a ^ (b >> 31 | b << 33);
+    h ^= h >> 29;
+    h *= kMulA;
     h ^= h >> 32;
-    return static_cast<uint32_t>((h * kMul) >> 32) | 1;
+    return static_cast<uint32_t>(h) | 1;
 }
 
 bool SameName(std::string_view a, std::string_view b)

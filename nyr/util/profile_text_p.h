@@ -38,8 +38,8 @@ NYR_EXPORT bool IsWritableSection(std::string_view section);
 NYR_EXPORT bool IsWritableEntry(std::string_view entry);
 NYR_EXPORT bool IsWritableValue(std::string_view value);
 
-// One parsed settings text. The index holds views into the text, so the
-// object is neither copied nor moved; share it through a pointer.
+// One parsed settings text: the text and an index of its first matching
+// sections and entries. Immutable once made; share it through a pointer.
 class NYR_EXPORT CProfileText
 {
 public:

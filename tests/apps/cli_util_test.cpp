@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "cli_test_p.h"
 
 namespace {
@@ -43,18 +41,6 @@ TEST(CliUtil, IniGetsSetsAndReadsVectorsKeepingTheRestOfTheFile)
          {std::vector<std::string>{"ini"}, {"ini", "get", "A"}, {"ini", "set", "A", "x"}, {"ini", "del", "A", "x"},
           {"ini", "vector", "A", "x", "--default", "1"}, {"ini", "get", "A", "x", "--bogus"}})
         EXPECT_EQ(Nyr(bad).exitCode, 2) << bad.size();
-}
-
-TEST(CliUtil, IniDefaultsToTheLibrarysFileAndCreatesItsFolder)
-{
-    TempDir dir;
-    const char* old = std::getenv("XDG_CONFIG_HOME");
-    const std::string saved = old ? old : "";
-    setenv("XDG_CONFIG_HOME", (dir.Path() + "/config").c_str(), 1);
-    EXPECT_EQ(Nyr({"ini", "set", "CNyrTime", "Time Format (###)", "3"}).exitCode, 0);
-    EXPECT_EQ(ReadFile(dir.Path() + "/config/Nyr240.INI"), "[CNyrTime]\nTime Format (###)=3\n");
-    EXPECT_EQ(Nyr({"ini", "get", "cnyrtime", "time format (###)"}).out, "3\n");
-    old ? setenv("XDG_CONFIG_HOME", saved.c_str(), 1) : unsetenv("XDG_CONFIG_HOME");
 }
 
 TEST(CliUtil, Base64EncodesAndDecodesFilesAndStandardInput)

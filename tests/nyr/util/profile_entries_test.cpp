@@ -311,12 +311,6 @@ TEST(ProfileEntries, LibraryFilePathDefaultsToTheConfigFolderAndTakesAPrefix)
     EXPECT_EQ(P::WriteNyrProfileInt("Units", "Angle", 12), 1);
     EXPECT_EQ(P::ReadNyrProfileInt("units", "angle", 0), 12u);
     EXPECT_EQ(ReadFile(dir.Path() + "/cfg/Nyr240.INI"), "[Units]\nAngle=12\n");
-    EXPECT_EQ(P::WriteNyrProfileIntVector("Units", "Cols", {1, 2}), 1);
-    EXPECT_EQ(P::WriteNyrProfileString("Units", "Name", "gon"), 1);
-    std::vector<int> cols;
-    P::ReadNyrProfileIntVector("Units", "Cols", cols);
-    EXPECT_EQ(cols, (std::vector<int>{1, 2}));
-    EXPECT_EQ(P::ReadNyrProfileString("Units", "Name", ""), "gon");
 
     NyrSetProfilePath("/d/x/y.ini");
     EXPECT_EQ(NyrGetProfilePath(), "/d/x/y.ini");
