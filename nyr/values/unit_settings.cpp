@@ -111,6 +111,14 @@ int CNyrUnitSettings::Persist(long unit)
     return written;
 }
 
+int CNyrUnitSettings::SaveUnit(long unit)
+{
+    if (!Unit(unit))
+        return 0;
+    Persist(unit);
+    return 1;
+}
+
 bool CNyrUnitSettings::IsExcluded(long unit, const int* excluded)
 {
     for (const int* code = excluded; code && *code > 0; ++code)

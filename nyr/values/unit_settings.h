@@ -78,6 +78,10 @@ protected:
     // Writes the code and its abbreviation; 0 (and a status) when the file
     // cannot be written.
     int Persist(long unit);
+    // Makes `unit` current and persists it (saving a selection); 0 when it is
+    // not a unit of this kind. The write's success does not count: the unit
+    // is current either way, and a failed write leaves a status.
+    int SaveUnit(long unit);
     // The DefaultSettings algorithm: `ignoredCode` and 2 are silently ignored;
     // `excluded` ends at its first value that is not positive (may be null).
     int ApplyDefault(long unit, long ignoredCode, const int* excluded);
