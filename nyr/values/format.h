@@ -50,7 +50,9 @@ enum eNyrGeoKind
 //     (texts 26134, "'", 26132) or g c cc;
 //   - TrimLeadingZeros drops a leading degrees field of 0 and then a leading
 //     minutes field of 0; the first field shown is then padded with blanks
-//     instead of zeros (" 30' 15.50000\"", " 15.50000\"");
+//     instead of zeros (" 30' 15.50000\"", " 15.50000\""). Such texts are
+//     for display: the reader takes fields by position, so they do not read
+//     back as the same angle;
 //   - TrimTrailingZeros drops a trailing seconds field of 0 and then a
 //     trailing minutes field of 0 (" 12°"), and trims the seconds' decimals
 //     as in the decimal text; at least one field always stays;

@@ -1,6 +1,5 @@
 #include "nyr/values/packed_angle.h"
 
-#include <charconv>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
@@ -39,28 +38,14 @@ bool SplitPacked(double packed, int base, int secondDecimals, unsigned long flag
     if (magnitude >= 2147483648.0)
         return false;
 
-    long long whole = 0;
-    long long fraction = 0;  // the first 12 decimals as an integer
-    // Anything below 4e-13 rounds to zero at 12 decimals; skipping it keeps
-    // the digit buffer short (the fixed form of 5e-324 has 326 characters).
-    if (magnitude >= 4e-13) {
-        char digits[48];
-        const auto result = std::to_chars(digits, digits + sizeof digits, magnitude, std::chars_format::fixed);
-        const char* p = digits;
-        const char* const end = result.ptr;
-        while (p < end && *p != '.')
-            whole = whole * 10 + (*p++ - '0');
-        if (p < end)
-            ++p;
-        int count = 0;
-        for (; count < kPackedDecimals && p < end; ++count)
-            fraction = fraction * 10 + (*p++ - '0');
-        for (; count < kPackedDecimals; ++count)
-            fraction *= 10;
-        if (p < end && *p >= '5' && ++fraction == kPow10[kPackedDecimals]) {
-            fraction = 0;
-            ++whole;
-        }
+    // The fraction is exact (a double minus its whole part loses nothing);
+    // scaled to 12 decimals it is off by at most 1e-4 of a unit before rounding.
+    const double wholePart = std::floor(magnitude);
+    long long whole = static_cast<long long>(wholePart);
+    long long fraction = std::llround((magnitude - wholePart) * 1e12);  // the first 12 decimals
+    if (fraction == kPow10[kPackedDecimals]) {
+        fraction = 0;
+        ++whole;
     }
     PackedFields split;
     split.negative = packed < 0;

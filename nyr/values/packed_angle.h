@@ -15,11 +15,12 @@
 // number is not a decimal number of anything.
 //
 // Reading a packed number (the ...2Rad functions and the splitting forms)
-// takes the decimal digits it prints with, its shortest round-trip decimal
-// form, rounded to 12 decimals. 12.3000 therefore reads as 12° 30' 00" and not
-// as 12° 29' 59.99999", and a number that drifted by a few units in the last
-// place through arithmetic (12.299999999999999) reads as its intended value.
-// Seconds carry 8 decimals (1e-8″, 5e-14 rad). A field that reaches its limit
+// first rounds it to 12 decimals, and only then splits the decimal digits.
+// 12.3000 (the double 12.300000000000000710...) therefore reads as 12° 30' 00"
+// and not as 12° 29' 59.99999", and a number that drifted by a few units in
+// the last place through arithmetic (12.299999999999999) reads as its
+// intended value. Seconds carry 8 decimals (1e-8″, 5e-14 rad), which is all a
+// double holds of a packed angle of 360°. A field that reaches its limit
 // carries into the next one: 12.7500 reads as 12° 75' = 13° 15', and 12.3075
 // as 12° 31' 15".
 //

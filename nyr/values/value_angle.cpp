@@ -30,13 +30,16 @@ const Hemispheres& SouthWest()
     return letters;
 }
 
+constexpr double kPoleTolerance = 1e-8;           // radians, 0.002"
+constexpr double kAntimeridianTolerance = 1e-12;  // radians, 2e-7"
+
 bool IsDigit(char c)
 {
     return c >= '0' && c <= '9';
 }
 
 // One field of the cleaned text: [-]digits for the whole units and minutes,
-// [-]digits[.digits] (or [-].digits) for the seconds.
+// [-]digits[.digits] (or [-].digits) for the seconds; blanks may follow the '-'.
 struct Field
 {
     bool negative = false;
@@ -46,8 +49,11 @@ struct Field
 int ReadField(const char*& p, bool decimal, Field& field)
 {
     field.negative = *p == '-';
-    if (field.negative)
+    if (field.negative) {
         ++p;
+        while (*p == ' ')  // the sign field of the text forms stands apart: "-  5 30 00.00000"
+            ++p;
+    }
     const char* const start = p;
     while (IsDigit(*p))
         ++p;
@@ -208,9 +214,10 @@ int CNyrValueAngleLat::Assign(double radians)
 {
     if (const int status = Check(radians))
         return Fail(status);
-    // 90° reaches here through several conversions; allow it a few units in the last place.
+    // 90° comes here through conversions and texts rounded at their last
+    // digit (1.57079633 rad): a little beyond is taken as the pole.
     constexpr double kQuarter = kPi / 2;
-    if (std::fabs(radians) > kQuarter * (1 + 1e-15))
+    if (std::fabs(radians) > kQuarter + kPoleTolerance)
         return Fail(NYR_VALUE_OUT_OF_RANGE);
     return CNyrValue::Assign(std::fmin(std::fmax(radians, -kQuarter), kQuarter));
 }
@@ -250,6 +257,10 @@ int CNyrValueAngleLon::Assign(double radians)
         reduced -= kRevolutionFactor;
     else if (reduced <= -kPi)
         reduced += kRevolutionFactor;
+    // 180° reached through a factor rounded in its last place (200 grad is
+    // pi plus a unit) must not flip to the western side.
+    if (std::fabs(reduced) > kPi - kAntimeridianTolerance)
+        reduced = kPi;
     return CNyrValue::Assign(reduced + 0.0);
 }
 

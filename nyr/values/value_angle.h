@@ -21,7 +21,9 @@
 //    whole degrees (gon), whole minutes (c), decimal seconds (cc); missing
 //    fields are 0: "12", "12 30", "12°30'15.5\"", "12g 34c 56.5cc". The
 //    angle is negative when any field is written with '-', so "-12 30 15",
-//    "12 -30 15" and "-0 30 00" are all negative. Refused: text without a
+//    "12 -30 15" and "-0 30 00" are all negative; blanks may stand between
+//    the '-' and its field, as in the texts this library writes
+//    ("-  5 30 00.00000"). Refused: text without a
 //    field, minutes (c) above 59 (99), seconds (cc) of 60 (100) or more, and
 //    text that the three fields do not account for: a fourth field, "12.5"
 //    (a decimal point in the degrees) and fields not separated, as in
@@ -62,7 +64,9 @@ private:
 
 // A latitude, shown with a two-place degree field and N or S instead of a
 // sign, in the unit of CNyrUnitSettingsAngleLatLon::Default() unless given.
-// Values beyond ±90° (±pi/2) are refused with NYR_VALUE_OUT_OF_RANGE;
+// Values beyond ±90° (±pi/2) are refused with NYR_VALUE_OUT_OF_RANGE, except
+// that up to 1e-8 rad (0.002") beyond is taken as the pole itself, so that a
+// pole written with a rounded last digit (1.57079633 rad) reads back.
 // LimitToCircle does not apply.
 class NYR_EXPORT CNyrValueAngleLat : public CNyrValueAngle
 {
@@ -81,8 +85,9 @@ protected:
 
 // A longitude, shown with E or W instead of a sign, in the unit of
 // CNyrUnitSettingsAngleLatLon::Default() unless given. Every value stored is
-// reduced into (-180°, 180°]: 190° is kept as -170° (W), -180° as 180° (E);
-// LimitToCircle does not apply.
+// reduced into (-180°, 180°]: 190° is kept as -170° (W), -180° as 180° (E),
+// and so is anything within 1e-12 rad (2e-7") of ±180°, so that 180° reached
+// through a rounded conversion factor stays E. LimitToCircle does not apply.
 class NYR_EXPORT CNyrValueAngleLon : public CNyrValueAngle
 {
 public:

@@ -66,6 +66,7 @@ TEST(ValueAngle, ReadsTextInEveryForm)
         {"12 -30 15", DMS, OK, -12.3015},  // a minus in any field makes the angle negative
         {"12 30 -15", DMS, OK, -12.3015},
         {"-0 30 00", DMS, OK, -0.3},       // also on a zero field
+        {"-  5 30 00.00000", DMS, OK, -5.3},  // the sign field of the written text
         {"12 59 59.99999999", DMS, OK, 12.595999999999},
         {"12 30 15.5 S", DMS, OK, -12.30155},
         {"-12 30 15.5 W", DMS, OK, 12.30155},  // letter and minus cancel (intended)
@@ -91,7 +92,8 @@ TEST(ValueAngle, ReadsTextInEveryForm)
         {"12-30", DMS, UNREADABLE, 0},    // fields not separated
         {"12 30 15 4", DMS, UNREADABLE, 0},
         {"12 30 15.5.3", DMS, UNREADABLE, 0},
-        {"- 12", DMS, UNREADABLE, 0},
+        {"-", DMS, UNREADABLE, 0},
+        {"12 30 -", DMS, UNREADABLE, 0},
         {"12 . 5", GON, UNREADABLE, 0},
         {"12 60", DMS, RANGE, 0},
         {"12 30 60", DMS, RANGE, 0},
@@ -276,9 +278,11 @@ TEST(ValueAngle, LatitudesAndLongitudes)
     EXPECT_EQ(lat.GetDouble(), kPi / 2);
     EXPECT_EQ(lat.ConvertToStd(-100.0, NYR_UNIT_GRAD), OK);
     EXPECT_EQ(lat.GetDouble(), -kPi / 2);
-    EXPECT_EQ(lat.ConvertToStd("90 00 00.0001", DMS), RANGE);
-    EXPECT_EQ(lat.ConvertToStd(std::nextafter(kPi / 2, 4.0) * 1.000001, NYR_UNIT_RADIANS), RANGE);
+    EXPECT_EQ(lat.ConvertToStd("90 00 00.01", DMS), RANGE);
+    EXPECT_EQ(lat.ConvertToStd(kPi / 2 + 1.1e-8, NYR_UNIT_RADIANS), RANGE);
     EXPECT_EQ(lat.GetDouble(), -kPi / 2);
+    EXPECT_EQ(lat.ConvertToStd("1.57079633", NYR_UNIT_RADIANS), OK);  // the pole, rounded up
+    EXPECT_EQ(lat.GetDouble(), kPi / 2);
     EXPECT_EQ(lat.ConvertToStd("45 S", DMS), OK);
     EXPECT_DOUBLE_EQ(lat.GetDouble(), -kPi / 4);
     std::string text;
@@ -295,6 +299,8 @@ TEST(ValueAngle, LatitudesAndLongitudes)
     {
         double degrees, kept;
     } cases[] = {{-180, 180}, {180, 180}, {-190, 170}, {370, 10}, {-350, 10}, {360, 0}, {-10, -10}};
+    lon.ConvertToStd(200.0, NYR_UNIT_GRAD);  // pi and a unit in the last place
+    EXPECT_EQ(lon.GetDouble(), kPi);
     for (const auto& c : cases) {
         lon = Degrees(c.degrees);
         EXPECT_NEAR(lon.GetDouble(), Degrees(c.kept), 1e-15) << c.degrees;
@@ -346,6 +352,46 @@ TEST(Value, TextsFollowTheSettings)
     distance = 0.3048;
     distance.GetString(text);
     EXPECT_EQ(text, " 1.0");
+}
+
+}  // namespace
+
+namespace {
+
+// Regression: negative angles written with the sign field apart from the
+// degrees ("-  5 30 00.00000") could not be read back.
+TEST(ValueAngle, EveryTextItWritesReadsBack)
+{
+    CNyrUnitSettingsAngle angles;
+    CNyrUnitSettingsAngleLatLon latLons;
+    CNyrValueAngle angle(0.0, angles);
+    CNyrValueAngleLat lat(0.0, latLons);
+    CNyrValueAngleLon lon(0.0, latLons);
+    struct
+    {
+        CNyrValue* value;
+        CNyrUnitSettings* settings;
+        double range;
+    } kinds[] = {{&angle, &angles, 2 * kPi}, {&lat, &latLons, kPi / 2}, {&lon, &latLons, kPi}};
+    for (const auto& kind : kinds)
+        for (int flags = 0; flags < 4; ++flags) {
+            auto& settings = static_cast<CNyrUnitSettingsAngle&>(*kind.settings);
+            settings.Precision(8);
+            settings.UseDmsSymbols(flags & 1);
+            settings.TrimTrailingZeros(flags & 2);  // (texts without leading fields read differently)
+            for (const NYR_UNIT_TEXT* row = NyrUnitTableAngle(); row->unit != -1; ++row) {
+                settings.Unit(row->unit);
+                for (int i = -500; i <= 500; ++i) {
+                    const double radians = kind.range * i / 500;
+                    ASSERT_EQ(kind.value->SetDouble(radians), OK);
+                    const double stored = kind.value->GetDouble();  // -180° is kept as 180°
+                    std::string text;
+                    kind.value->GetString(text);
+                    ASSERT_TRUE(kind.value->SetString(text.c_str())) << '"' << text << "\" unit " << row->unit;
+                    EXPECT_NEAR(kind.value->GetDouble(), stored, 1e-7) << '"' << text << "\" unit " << row->unit;
+                }
+            }
+        }
 }
 
 }  // namespace
