@@ -36,7 +36,9 @@ double TextResolution(long unit)
     }
 }
 
-void Check(CNyrValue& value, CNyrUnitSettings& settings, long unit, const char* text)
+// `turn`: the length of a turn when values equal modulo a turn are the same
+// (longitudes: 180° W and 180° E), else 0.
+void Check(CNyrValue& value, CNyrUnitSettings& settings, long unit, const char* text, double turn = 0)
 {
     settings.Unit(unit);
     value.SetDouble(kUntouched);
@@ -58,7 +60,8 @@ void Check(CNyrValue& value, CNyrUnitSettings& settings, long unit, const char* 
         abort();
     // Reading the text back must land within its last digit (with room for
     // the rounding of large magnitudes).
-    if (std::fabs(value.GetDouble() - read) > 2 * TextResolution(unit) + 1e-15 * std::fabs(read))
+    const double difference = turn ? std::remainder(value.GetDouble() - read, turn) : value.GetDouble() - read;
+    if (std::fabs(difference) > 2 * TextResolution(unit) + 1e-15 * std::fabs(read))
         abort();
 }
 
@@ -78,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const NYR_UNIT_TEXT* row = NyrUnitTableAngle(); row->unit != -1; ++row) {
         Check(angle, angles, row->unit, text.c_str());
         Check(lat, latLons, row->unit, text.c_str());
-        Check(lon, latLons, row->unit, text.c_str());
+        Check(lon, latLons, row->unit, text.c_str(), 2 * 3.141592653589793);
     }
     for (const NYR_UNIT_TEXT* row = NyrUnitTableDistance(); row->unit != -1; ++row)
         Check(distance, distances, row->unit, text.c_str());

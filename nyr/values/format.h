@@ -21,7 +21,9 @@ enum eNyrGeoKind
 // well when seconds-only is on.
 //   - precision 0 or less gives 6 decimals (intended: 0 cannot be asked for);
 //   - "% .*f": a blank in front of a non-negative number, '-' in front of a
-//     negative one, so columns line up;
+//     negative one, so columns line up; a number that rounds to zero has a
+//     blank (-1e-9 gives " 0.000000", which reads back; "-0.000000" would be
+//     refused as a negative zero);
 //   - ".0" appended when the text has no point;
 //   - TrimTrailingZeros removes zeros from the end down to one decimal:
 //     12.500000 -> 12.5, 3.000000 -> 3.0.
@@ -47,7 +49,9 @@ enum eNyrGeoKind
 //     precision rounds the seconds but still shows five decimals), otherwise
 //     "%0*.*f" with width precision + 3;
 //   - UseDmsSymbols puts the field's symbol right after each field: ° ' "
-//     (texts 26134, "'", 26132) or g c cc;
+//     (texts 26134, "'", 26132) or g c cc; the symbols and the hemisphere
+//     letters (26010 to 26013) are loaded from the text table once per
+//     process, on first use;
 //   - TrimLeadingZeros drops a leading degrees field of 0 and then a leading
 //     minutes field of 0; the first field shown is then padded with blanks
 //     instead of zeros (" 30' 15.50000\"", " 15.50000\""). Such texts are
@@ -104,8 +108,8 @@ public:
     virtual int Precision() const;
 
     // The text of `value` (radians or metres) in `unit`, as described above.
-    // Returns 1; returns 0 with an empty text when `unit` is not a unit or
-    // the value is not finite.
+    // Returns 1; returns 0 with an empty text when `unit` is not a unit, the
+    // value is not finite, or its whole degrees (gon) do not fit an int.
     virtual int ConvertToString(double value, long unit, std::string& out) const;
     // The same for a latitude or longitude; `packedFlags` (eWb32Flags) are
     // added to those of the format when the angle is packed.

@@ -15,8 +15,21 @@ namespace {
 constexpr long long kPow10[] = {1LL,          10LL,          100LL,          1000LL,          10000LL,
                                 100000LL,     1000000LL,     10000000LL,     100000000LL,     1000000000LL,
                                 10000000000LL, 100000000000LL, 1000000000000LL};
-constexpr int kPackedDecimals = 12;               // what a packed number is read to: seconds to 8 decimals
-constexpr double kTwoTo53 = 9007199254740992.0;   // integers up to here are exact doubles
+constexpr int kPackedDecimals = 12;  // seconds to 8 decimals
+// A packed number keeps only the decimals it holds with room to spare: its
+// value times 10^decimals stays below 2^53 / 16, so the last decimal kept is
+// at least 8 units in the last place of the double. Writing and reading agree
+// on this, and noise in the last places never reads as seconds (113000556.05
+// is held as 113000556.04999999702 and must read as 05', not 04' 99.999997").
+constexpr double kResolved = 9007199254740992.0 / 16;
+
+int DecimalsHeld(double magnitude, int wanted)
+{
+    int decimals = wanted < 0 || wanted > kPackedDecimals ? kPackedDecimals : wanted;
+    while (decimals > 0 && magnitude * static_cast<double>(kPow10[decimals]) >= kResolved)
+        --decimals;
+    return decimals;
+}
 
 double Factor(int base)
 {
@@ -39,14 +52,16 @@ bool SplitPacked(double packed, int base, int secondDecimals, unsigned long flag
         return false;
 
     // The fraction is exact (a double minus its whole part loses nothing);
-    // scaled to 12 decimals it is off by at most 1e-4 of a unit before rounding.
+    // scaled, it is off by a small part of the last decimal kept.
     const double wholePart = std::floor(magnitude);
+    const int decimals = DecimalsHeld(magnitude, kPackedDecimals);
     long long whole = static_cast<long long>(wholePart);
-    long long fraction = std::llround((magnitude - wholePart) * 1e12);  // the first 12 decimals
-    if (fraction == kPow10[kPackedDecimals]) {
+    long long fraction = std::llround((magnitude - wholePart) * static_cast<double>(kPow10[decimals]));
+    if (fraction == kPow10[decimals]) {
         fraction = 0;
         ++whole;
     }
+    fraction *= kPow10[kPackedDecimals - decimals];  // the first 12 decimals
     PackedFields split;
     split.negative = packed < 0;
     split.whole = whole;
@@ -132,9 +147,7 @@ double RadiansToPacked(double radians, int base, int precision, unsigned long fl
     if (magnitude >= 1e15)
         return units;  // beyond a double's resolution of whole units: no fields to pack
 
-    int p = precision < 0 || precision > kPackedDecimals ? kPackedDecimals : precision;
-    while (p > 0 && magnitude * static_cast<double>(kPow10[p]) >= kTwoTo53)
-        --p;
+    const int p = DecimalsHeld(magnitude, precision);
 
     const long long b = base;
     long long whole;

@@ -19,8 +19,11 @@
 // 12.3000 (the double 12.300000000000000710...) therefore reads as 12° 30' 00"
 // and not as 12° 29' 59.99999", and a number that drifted by a few units in
 // the last place through arithmetic (12.299999999999999) reads as its
-// intended value. Seconds carry 8 decimals (1e-8″, 5e-14 rad), which is all a
-// double holds of a packed angle of 360°. A field that reaches its limit
+// intended value. Seconds carry 8 decimals (1e-8″, 5e-14 rad). From 563
+// degrees on a double holds fewer decimals with room to spare, and reading
+// and writing both keep one decimal fewer for every tenfold (11 decimals up
+// to 5,629°, 10 up to 56,294°, ...), so that noise in the last places never
+// reads as seconds. A field that reaches its limit
 // carries into the next one: 12.7500 reads as 12° 75' = 13° 15', and 12.3075
 // as 12° 31' 15".
 //
@@ -51,9 +54,8 @@ NYR_EXPORT double Wb32GCCC2Rad(double packedGon);
 // Radians to packed DMS, rounded to `precision` decimals of the packed number:
 // 0 whole degrees, 2 whole minutes, 4 whole seconds, 4 + n seconds with n
 // decimals (1 and 3 round to tens of minutes and tens of seconds). A negative
-// precision, or one above 12, means 12 (seconds to 8 decimals); precision is
-// lowered further where the number would not fit a double's 53 bits
-// (above 9,000 degrees at 12). `flags` takes eWb32Flags. Not finite: returned
+// precision, or one above 12, means 12 (seconds to 8 decimals); it is lowered
+// further for large angles as described above. `flags` takes eWb32Flags. Not finite: returned
 // unchanged. Magnitudes of 1e15 degrees and more come back as decimal degrees.
 NYR_EXPORT double Wb32Rad2DMS(double radians, int precision, unsigned long flags);
 // Radians to packed gon; same rules with gon, c and cc.

@@ -29,6 +29,10 @@ void AppendDecimalText(std::string& out, double number, int precision, bool trim
 {
     const std::size_t start = out.size();
     AppendFixed(out, number, precision <= 0 ? 6 : precision);
+    // A number that rounds to zero shows no sign: "-0.000000" would read back
+    // as a negative zero, which the readers refuse.
+    if (out[start] == '-' && out.find_first_of("123456789", start) == std::string::npos)
+        out[start] = ' ';
     const std::size_t point = out.find('.', start);
     if (point == std::string::npos) {
         out += ".0";

@@ -13,7 +13,8 @@ namespace nyr::values {
 void AppendFixed(std::string& out, double number, int decimals);
 
 // The library's decimal text of a number: a precision of 0 or less gives 6
-// decimals (a precision of 0 cannot be asked for here: intended); "% .*f";
+// decimals (a precision of 0 cannot be asked for here: intended); "% .*f",
+// except that a number that rounds to zero has a blank and not '-';
 // ".0" when the text has no point; with `trimTrailingZeros`, zeros after the
 // first decimal are removed from the end (12.500000 -> 12.5, 3.000000 -> 3.0).
 void AppendDecimalText(std::string& out, double number, int precision, bool trimTrailingZeros);

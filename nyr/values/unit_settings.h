@@ -126,10 +126,11 @@ public:
     // The unit code of the list's selected entry; -1 when none is selected.
     long GetCurrentSelection(const CUnitDistanceComboBox& list) const;
     // Makes the selected unit current and stores it; when it differs from
-    // the unit that was current and `notifyRoot` is given, sends
+    // the unit that was current and `notifyRoot` is not null, sends
     // WM_NYR_UNIT_CHANGED_DISTANCE (old code, new code) synchronously to every
-    // descendant of `notifyRoot`, depth first. Returns 0 (with a status) when
-    // no unit is selected.
+    // descendant of `notifyRoot`, depth first, before returning. `notifyRoot`
+    // must be alive (a raw pointer cannot be tested; pass null when unsure).
+    // Returns 0 (with a status) when no unit is selected.
     int SaveCurrentSelection(const CUnitDistanceComboBox& list, QWidget* notifyRoot);
 };
 
