@@ -103,12 +103,8 @@ int CNyrValue::ConvertToStd(double value, long unit)
         return Fail(NYR_VALUE_WRONG_UNIT);
     if (!std::isfinite(value))
         return Fail(NYR_VALUE_OUT_OF_RANGE);
-    if (value == 0 && std::signbit(value))
-        return Fail(NYR_VALUE_NEGATIVE_ZERO);
     double standard = 0;
     Convert(value, unit, standard, StdUnit(), -1, PackedFlags());
-    if (standard == 0)
-        standard = 0.0;  // a tiny negative number may underflow to -0.0 on the way
     return Assign(standard);
 }
 
@@ -186,8 +182,6 @@ int CNyrValue::Check(double standardValue) const
 {
     if (!std::isfinite(standardValue) || std::fabs(standardValue) > MaxMagnitude())
         return NYR_VALUE_OUT_OF_RANGE;
-    if (standardValue == 0 && std::signbit(standardValue))
-        return NYR_VALUE_NEGATIVE_ZERO;
     return NYR_VALUE_OK;
 }
 
@@ -195,7 +189,9 @@ int CNyrValue::Assign(double standardValue)
 {
     if (const int status = Check(standardValue))
         return Fail(status);
-    m_value = standardValue;
+    // A computed -0.0 (-x with x = 0, an underflow) is zero; only a typed "-0"
+    // is refused, when the text is read.
+    m_value = standardValue + 0.0;
     return NYR_VALUE_OK;
 }
 

@@ -27,9 +27,9 @@ enum eNyrValueStatus
 //
 // Every way of setting a value checks it first. A value that is not finite,
 // beyond the kind's magnitude limit (angles 1e7 rad, about 1.6 million turns,
-// so whole degrees and gon fit their fields; distances 1e12 m), negative zero
-// (-0.0, "-0", "-0 00 00": the sign says something the magnitude does not,
-// usually a lost digit), a text that cannot be read, a text longer than
+// so whole degrees and gon fit their fields; distances 1e12 m), a negative
+// zero typed as text ("-0", "-0.0": the sign says something the magnitude
+// does not, usually a lost digit), a text that cannot be read, a text longer than
 // kMaxTextLength or a unit that is not of the value's kind leaves the stored
 // value unchanged and sets a status (eNyrValueStatus). A failure stays in the
 // status until Status() reads it; later successes do not clear it.
