@@ -60,6 +60,10 @@ Read ReadDouble(std::string_view text, double& value)
         return Read::kEnd;
     if (text[i] == '+' && i + 1 < text.size() && text[i + 1] != '-')
         ++i;
+    // Digits only: "inf" and "nan" are words here, not numbers.
+    const std::size_t first = i + (i < text.size() && text[i] == '-');
+    if (first == text.size() || !(IsDigit(text[first]) || text[first] == '.'))
+        return Read::kNoMatch;
     const auto [end, error] = std::from_chars(text.data() + i, text.data() + text.size(), value);
     if (end == text.data() + i)
         return Read::kNoMatch;

@@ -90,7 +90,8 @@ public:
     static bool SetMjd(double days, CNyrTimeSpan& span);
     static bool SetMjd(double days, COleDateTimeSpan& span);
     // Days truncated toward zero, then of the rest: hours, minutes, seconds
-    // and the fraction of the second (resolved to the microsecond). All
+    // and the fraction of the second (resolved as CNyrTimeHelper::Mjd2Ymd
+    // resolves it, so whole seconds stay whole). All
     // parts carry the sign of a negative count. False, all 0, for a count
     // that is not finite or beyond 2^40 days.
     static bool Mjd2Hms(double days, long& d, long& hours, long& minutes, long& seconds, double& fraction);
@@ -142,8 +143,8 @@ public:
     // there is none, "%H") stands for the total hours of the span, unpadded
     // and never wrapped at 24: with 2 days 1:05:07, "%h:%M:%S" gives
     // "49:05:07" and "%D %H:%M:%S" gives "2 49:05:07" (intended). A
-    // COleDateTimeSpan that is not valid, or beyond the seconds of a
-    // CTimeSpan, gives an empty text.
+    // COleDateTimeSpan that is not valid, or longer than 2^40 days, gives an
+    // empty text.
     static std::string Format(const CTimeSpan& span, const std::string& pattern, eRoundFlag flag = eRoundSecond);
     static std::string Format(const CNyrTimeSpan& span, const std::string& pattern, eRoundFlag flag = eRoundSecond);
     static std::string Format(const COleDateTimeSpan& span, const std::string& pattern,
