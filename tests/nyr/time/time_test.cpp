@@ -401,6 +401,18 @@ TEST_F(TimeTest, CalendarArithmeticStaysInRangeOrLeavesThePointAlone)
     EXPECT_FALSE(H::AddDays(broken, 1, H::eRangeCOleDateTime));
 }
 
+TEST_F(TimeTest, OleDatesFormatWithTheirStatus)
+{
+    COleDateTime t(1899, 12, 29, 6, 0, 59);
+    t.SetLinearDays(t.GetLinearDays() + 0.6 / 86400);
+    EXPECT_EQ(H::Format(t, "%a %d.%m.%Y %H:%M:%S"), "Fri 29.12.1899 06:01:00");
+    EXPECT_EQ(H::Format(t, "%H:%M:%S", H::eRoundNone), "06:00:59");
+    EXPECT_EQ(H::Format(COleDateTime(1e12), "%Y"), "Invalid DateTime");
+    COleDateTime null;
+    null.SetStatus(COleDateTime::null);
+    EXPECT_EQ(H::Format(null, "%Y"), "");
+}
+
 TEST_F(TimeTest, PhysicalRangesInEveryForm)
 {
     ScopedZone zone("America/New_York");
