@@ -61,16 +61,20 @@ public:
         else
             m_ok = false;
     }
-    void Put(const char* text)
+    void Put(const char* text, std::size_t n)
     {
-        const std::size_t n = std::strlen(text);
-        if (static_cast<std::size_t>(m_end - m_p) >= n) {
-            std::memcpy(m_p, text, n);
+        if (static_cast<std::size_t>(m_end - m_p) < n) {
+            m_ok = false;
+        } else if (n <= 8) {  // separators and names: cheaper than a call
+            for (std::size_t i = 0; i < n; ++i)
+                m_p[i] = text[i];
             m_p += n;
         } else {
-            m_ok = false;
+            std::memcpy(m_p, text, n);
+            m_p += n;
         }
     }
+    void Put(const char* text) { Put(text, std::strlen(text)); }
     // Two digits, the common case, without the general path.
     void Two(int value, bool dropZero)
     {
@@ -85,6 +89,22 @@ public:
         m_p[0] = static_cast<char>('0' + value / 10);
         m_p[1] = static_cast<char>('0' + value % 10);
         m_p += 2;
+    }
+    // A year of four digits, the common case of "%Y".
+    void Four(int64_t value)
+    {
+        if (value < 1000 || value > 9999)
+            return Number(value, 1, false);
+        if (m_end - m_p < 4) {
+            m_ok = false;
+            return;
+        }
+        const int v = static_cast<int>(value);
+        m_p[0] = static_cast<char>('0' + v / 1000);
+        m_p[1] = static_cast<char>('0' + v / 100 % 10);
+        m_p[2] = static_cast<char>('0' + v / 10 % 10);
+        m_p[3] = static_cast<char>('0' + v % 10);
+        m_p += 4;
     }
     // A decimal number padded to `width` with '0' (or `pad`); `dropZero`
     // ("%#") leaves the padding out.
@@ -115,6 +135,7 @@ private:
 
 void Expand(Writer& w, const char* pattern, const struct tm& f);
 
+// Every conversion that Expand does not write in line.
 void Convert(Writer& w, char letter, bool alt, const struct tm& f)
 {
     const int64_t year = int64_t{f.tm_year} + 1900;
@@ -124,17 +145,9 @@ void Convert(Writer& w, char letter, bool alt, const struct tm& f)
     case 'b':
     case 'h': return w.Put(Name(kShortMonths, 12, f.tm_mon));
     case 'B': return w.Put(Name(kLongMonths, 12, f.tm_mon));
-    case 'p': return w.Put(f.tm_hour >= 12 ? "PM" : "AM");
-    case 'd': return w.Two(f.tm_mday, alt);
     case 'e': return w.Number(f.tm_mday, 2, alt, ' ');
-    case 'H': return w.Two(f.tm_hour, alt);
-    case 'I': return w.Two(f.tm_hour % 12 == 0 ? 12 : f.tm_hour % 12, alt);
     case 'j': return w.Number(f.tm_yday + 1, 3, alt);
-    case 'm': return w.Two(f.tm_mon + 1, alt);
-    case 'M': return w.Two(f.tm_min, alt);
-    case 'S': return w.Two(f.tm_sec, alt);
     case 'y': return w.Two(static_cast<int>(year - FloorDiv(year, 100) * 100), alt);
-    case 'Y': return w.Number(year, 1, alt);
     case 'C': return w.Number(FloorDiv(year, 100), 2, alt);
     case 'u': return w.Number(f.tm_wday == 0 ? 7 : f.tm_wday, 1, alt);
     case 'w': return w.Number(f.tm_wday, 1, alt);
@@ -184,10 +197,12 @@ void Convert(Writer& w, char letter, bool alt, const struct tm& f)
 void Expand(Writer& w, const char* p, const struct tm& f)
 {
     while (*p != '\0' && w.Ok()) {
-        if (*p != '%') {
-            w.Put(*p++);
-            continue;
-        }
+        const char* run = p;
+        while (*p != '\0' && *p != '%')
+            ++p;
+        w.Put(run, static_cast<std::size_t>(p - run));
+        if (*p == '\0')
+            break;
         ++p;
         const bool alt = *p == '#';
         if (alt)
@@ -195,7 +210,24 @@ void Expand(Writer& w, const char* p, const struct tm& f)
         const char letter = *p;
         if (letter != '\0')
             ++p;
-        Convert(w, letter, alt, f);
+        // The conversions of the format table in line; the rest by Convert.
+        switch (letter) {
+        case 'd': w.Two(f.tm_mday, alt); break;
+        case 'm': w.Two(f.tm_mon + 1, alt); break;
+        case 'H': w.Two(f.tm_hour, alt); break;
+        case 'M': w.Two(f.tm_min, alt); break;
+        case 'S': w.Two(f.tm_sec, alt); break;
+        case 'I': w.Two(f.tm_hour % 12 == 0 ? 12 : f.tm_hour % 12, alt); break;
+        case 'Y': w.Four(int64_t{f.tm_year} + 1900); break;
+        case 'p': w.Put(f.tm_hour >= 12 ? "PM" : "AM", 2); break;
+        case 'b':
+            if (f.tm_mon >= 0 && f.tm_mon < 12) {
+                w.Put(kShortMonths[f.tm_mon], 3);
+                break;
+            }
+            [[fallthrough]];
+        default: Convert(w, letter, alt, f); break;
+        }
     }
 }
 

@@ -1,6 +1,8 @@
 #include "nyr/time/time.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "nyr/platform/calendar_p.h"
@@ -44,23 +46,24 @@ std::string Expand(const CTime& time, double fraction, const char* pattern, int 
     return std::string(buffer, NyrStrftime(buffer, sizeof buffer, pattern, fields));
 }
 
-std::string PatternOf(CNyrTime::eTimeFormat format)
+// The pattern of a row, or of the current format, without a copy.
+const char* PatternOf(CNyrTime::eTimeFormat format)
 {
     const char* row = CNyrTime::TimeFormatPattern(format);
-    return row ? row : CNyrTime::CurrentTimeFormat();
+    return row ? row : nyr::time::CurrentPattern().c_str();
 }
 
 std::string DatePattern()
 {
     std::string date;
-    nyr::time::SplitPattern(CNyrTime::CurrentTimeFormat().c_str(), &date, nullptr);
+    nyr::time::SplitPattern(nyr::time::CurrentPattern().c_str(), &date, nullptr);
     return date;
 }
 
 std::string TimePattern()
 {
     std::string time;
-    nyr::time::SplitPattern(CNyrTime::CurrentTimeFormat().c_str(), nullptr, &time);
+    nyr::time::SplitPattern(nyr::time::CurrentPattern().c_str(), nullptr, &time);
     return time;
 }
 
@@ -258,7 +261,7 @@ double CNyrTime::CurrentTimeUTC()
 
 std::string CNyrTime::Format(int round) const
 {
-    return Format(CurrentTimeFormat(), round);
+    return Expand(m_time, m_fracSecond, nyr::time::CurrentPattern().c_str(), round, false);
 }
 
 std::string CNyrTime::Format(const std::string& pattern, int round) const
@@ -268,7 +271,7 @@ std::string CNyrTime::Format(const std::string& pattern, int round) const
 
 std::string CNyrTime::Format(eTimeFormat format, int round) const
 {
-    return Format(PatternOf(format), round);
+    return Expand(m_time, m_fracSecond, PatternOf(format), round, false);
 }
 
 std::string CNyrTime::Format(NyrResourceHandle module, unsigned id, int round) const
@@ -303,7 +306,7 @@ std::string CNyrTime::FormatFracSec(int round) const
 
 std::string CNyrTime::FormatUTC(int round) const
 {
-    return FormatUTC(CurrentTimeFormat(), round);
+    return Expand(m_time, m_fracSecond, nyr::time::CurrentPattern().c_str(), round, true);
 }
 
 std::string CNyrTime::FormatUTC(const std::string& pattern, int round) const
@@ -313,7 +316,7 @@ std::string CNyrTime::FormatUTC(const std::string& pattern, int round) const
 
 std::string CNyrTime::FormatUTC(eTimeFormat format, int round) const
 {
-    return FormatUTC(PatternOf(format), round);
+    return Expand(m_time, m_fracSecond, PatternOf(format), round, true);
 }
 
 std::string CNyrTime::FormatDateUTC(int round) const

@@ -171,10 +171,10 @@ public:
     // dropped), and from there on. A format without an hour is all date.
     std::string FormatDate(int round = CNyrTimeHelper::eRoundSecond) const;
     std::string FormatTime(int round = CNyrTimeHelper::eRoundSecond) const;
-    // The fraction of a second of the rounded copy as "." and digits, meant
-    // to follow FormatTime with the same flag: 3 digits for thousandths (the
-    // default), 2 for hundredths, 1 for tenths; for the whole-unit flags and
-    // any other value ".000" style 3 digits of the rounded fraction.
+    // The fraction of a second of the rounded copy as "." and digits: 1 for
+    // tenths, 2 for hundredths, 3 for thousandths and for every other flag
+    // (".000" after whole-second rounding). Meant to follow FormatTime with
+    // the same flag: "11:59:59 PM" + ".250".
     std::string FormatFracSec(int round = CNyrTimeHelper::eRoundThousandth) const;
     // The same on the UTC breakdown of the point's instant.
     std::string FormatUTC(int round = CNyrTimeHelper::eRoundSecond) const;

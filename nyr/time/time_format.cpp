@@ -1,5 +1,6 @@
 // The table of date/time formats, the current format and its persistence.
-#include <cstring>
+#include <algorithm>
+#include <string>
 
 #include "nyr/time/time.h"
 #include "nyr/time/time_p.h"
@@ -66,6 +67,12 @@ void EnsureFormatLoaded()
         CNyrTime::ReloadTimeFormat();
 }
 
+const std::string& CurrentPattern()
+{
+    EnsureFormatLoaded();
+    return StaticCurrentTimeFormat().pattern;
+}
+
 void SplitPattern(const char* pattern, std::string* date, std::string* time)
 {
     const std::string text = pattern;
@@ -90,8 +97,7 @@ const char* CNyrTime::TimeFormatPattern(int index)
 
 std::string CNyrTime::CurrentTimeFormat()
 {
-    nyr::time::EnsureFormatLoaded();
-    return StaticCurrentTimeFormat().pattern;
+    return nyr::time::CurrentPattern();
 }
 
 int CNyrTime::CurrentTimeFormatIndex()

@@ -1,5 +1,6 @@
 #include "nyr/time/time_helper.h"
 
+#include <algorithm>
 #include <cmath>
 #include <tuple>
 
@@ -141,7 +142,7 @@ bool SplitDays(double days, bool towardZero, DaySplit& split)
     // The grid of the time of day: the microsecond, or the power of ten of
     // microseconds just above the resolution of `days` (a whole second at
     // MJD 100000 is only known to 1.3 us), so that whole seconds stay whole.
-    const double resolution = (std::nextafter(std::fabs(days), INFINITY) - std::fabs(days)) * 86400e6;
+    const double resolution = std::fabs(days) * (86400e6 / 4503599627370496.0);  // |days| * 2^-52 in us
     int64_t grid = 1;
     while (static_cast<double>(grid) < resolution)
         grid *= 10;

@@ -12,6 +12,8 @@ namespace nyr::time {
 
 // Loads the current format from the settings file unless it is loaded.
 void EnsureFormatLoaded();
+// The current pattern, loaded on first use; valid until the format changes.
+const std::string& CurrentPattern();
 
 // A day count split into whole days (floor, or toward zero when
 // `towardZero`), whole seconds 0..86399 (or -86399..86399) and the fraction
