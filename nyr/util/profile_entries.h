@@ -49,10 +49,11 @@
 // rename still orders old before new on journalling file systems.
 //
 // Speed: parsed files are cached per process. A read is a hash look-up; the
-// file is checked (size, modification and change time, inode) at most every
-// 0.1 ms and parsed again only when it changed. This process's writes are
-// seen at once; another program's change is seen by reads starting 0.1 ms
-// after it.
+// file is checked (size, modification and change time, inode: one stat) once
+// per tick of the coarse system clock (1 to 4 ms) and parsed again only when
+// it changed. This process's writes are seen at once; another program's change
+// is seen by reads starting one tick after it (file times have that
+// resolution too).
 //
 // Value forms: integers as "%d"; texts as they are; integer vectors as each
 // element followed by ";" ("120;80;-1;"; an empty vector is an empty value).
