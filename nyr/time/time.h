@@ -8,7 +8,7 @@
 #include "nyr/platform/framework_time.h"
 #include "nyr/time/time_helper.h"
 
-class QWidget;
+class QWidget;  // the window of SaveCurrentSelection, which libNyr240Widgets defines
 
 // A time point: whole seconds since 1970-01-01 00:00:00 UTC (a CTime), a
 // fraction of a second 0 <= f < 1, and a time-zone offset in hours (east of
@@ -191,13 +191,15 @@ public:
     // Parses `text` with a pattern of the format table's kind, sets the point
     // and returns its MJD. Conversions: %m month, %d %j day, %H %I hour, %M
     // minute, %S second, %Y four-digit year, %y and any other letter a
-    // two-digit year (so "%#d" and "%b" cannot be read back, intended), %s
-    // seconds with fraction, %D day with fraction, %p the AM/PM word. Each
-    // read takes a number from the start of the text and then drops the
-    // field (digits, ".", "A", "P", "M") and the separators after it. A
-    // two-digit year below 71 is 20yy, else 19yy; "PM" adds 12 to an hour
-    // below 12 ("12 AM" stays 12, intended). Fields that name no local
+    // two-digit year, %s seconds with fraction, %D day with fraction, %p the
+    // AM/PM word. Each read takes a number from the start of the text and
+    // then drops the field (digits, ".", "A", "P", "M") and the separators
+    // after it. A two-digit year below 71 is 20yy, else 19yy; "PM" adds 12
+    // to an hour below 12 ("12 AM" stays 12). Fields that name no local
     // instant give the seconds count 0, fraction 0 and the result 0.0.
+    // Intended, as the format table has always read: "%#d", "%#I" and "%b"
+    // read as a year and a dotted date is one field, so of the table only
+    // rows 0, 1, 4, 5, 8, 9, 12 and 13 read back field for field.
     double ScanTime(const std::string& text, const std::string& pattern);
 
     // --- Format selection -------------------------------------------------------

@@ -73,6 +73,17 @@ TEST_F(ScanTimeTest, ReadsTheTableRowsBackFieldForField)
     }
 }
 
+TEST_F(ScanTimeTest, ExactlyTheUndottedTwentyFourHourRowsReadBackTheirOwnText)
+{
+    const CNyrTime t(2024, 7, 3, 20, 5, 9);
+    for (int row = 0; row < CNyrTime::eTimeFormatCount; ++row) {
+        const bool readable = row < 16 && (row & 2) == 0;  // rows 0, 1, 4, 5, 8, 9, 12, 13
+        CNyrTime back;
+        back.ScanTime(t.Format(static_cast<CNyrTime::eTimeFormat>(row)), Row(row));
+        EXPECT_EQ(back == t, readable) << row << ": " << t.Format(static_cast<CNyrTime::eTimeFormat>(row));
+    }
+}
+
 TEST_F(ScanTimeTest, BadTextGivesTheNeutralResultWithBoundedReads)
 {
     const std::string huge(100000, '9');

@@ -158,8 +158,6 @@ TEST_F(TimeTest, LocalTimeZoneTakesItsSignFromTheWholeHourQuotient)
         }
         EXPECT_EQ(CNyrTime::SystemTimezone(), hours);
         EXPECT_EQ(CNyrTime::SystemTimezone(1), hours + daylight);
-        EXPECT_EQ(CNyrTime::SystemTimezoneMjd(1), (hours + daylight) / 24);
-        EXPECT_EQ(CNyrTime::SystemDaylightMjd(), daylight / 24);
         EXPECT_EQ(CNyrTime(CTime(0)).Timezone(), hours);
     }
 }
