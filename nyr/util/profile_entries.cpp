@@ -98,6 +98,22 @@ int CNyrProfileEntries::WriteProfileIntVector(const std::string& file, const std
     return WriteProfileValue(file, section, entry, nyr::detail::FormatIntVector(values), false) ? 1 : 0;
 }
 
+// ---- the host application's profile store --------------------------------
+
+CNyrHostProfile::~CNyrHostProfile() = default;
+
+void CNyrProfileEntries::ReadProfileIntVector(CNyrHostProfile& host, const std::string& section,
+                                              const std::string& entry, std::vector<int>& values)
+{
+    nyr::detail::ParseIntVector(host.GetProfileString(section, entry, ""), values);
+}
+
+int CNyrProfileEntries::WriteProfileIntVector(CNyrHostProfile& host, const std::string& section,
+                                              const std::string& entry, const std::vector<int>& values)
+{
+    return host.WriteProfileString(section, entry, nyr::detail::FormatIntVector(values));
+}
+
 // ---- the library's own file ---------------------------------------------
 // Writes create the file's folder when it is missing (~/.config may not
 // exist yet on a fresh account).

@@ -61,6 +61,22 @@
 // absent; writes return 1 on success and 0 on failure (a missing or
 // read-only folder or file, a name or value refused above) and never throw.
 // Safe to call from any thread.
+// The host application's own profile store, reached by the host-application
+// variants of the integer-vector operations. Whether it keeps its strings in
+// a file or elsewhere is the host's choice. The widgets library implements it
+// over QSettings (CNyrSettingsProfile, nyrwidgets/frame/settings_profile.h).
+class NYR_EXPORT CNyrHostProfile
+{
+public:
+    virtual ~CNyrHostProfile();
+    // The stored text of `entry` in `section`, or `defaultValue` when absent.
+    virtual std::string GetProfileString(const std::string& section, const std::string& entry,
+                                         const std::string& defaultValue) = 0;
+    // Stores the text; non-zero on success.
+    virtual int WriteProfileString(const std::string& section, const std::string& entry,
+                                   const std::string& value) = 0;
+};
+
 class NYR_EXPORT CNyrProfileEntries
 {
 public:
@@ -127,6 +143,13 @@ public:
     static void ReadProfileIntVector(const std::string& file, const std::string& section, const std::string& entry,
                                      std::vector<int>& values);
     static int WriteProfileIntVector(const std::string& file, const std::string& section, const std::string& entry,
+                                     const std::vector<int>& values);
+
+    // The integer-vector form read from and written to the host
+    // application's profile store instead of a file; same rules as above.
+    static void ReadProfileIntVector(CNyrHostProfile& host, const std::string& section, const std::string& entry,
+                                     std::vector<int>& values);
+    static int WriteProfileIntVector(CNyrHostProfile& host, const std::string& section, const std::string& entry,
                                      const std::vector<int>& values);
 
     // The same on the library's own settings file, NyrGetProfilePath().
