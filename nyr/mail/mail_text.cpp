@@ -1,7 +1,6 @@
 #include "nyr/mail/mail_text_p.h"
 
-#include <cstdio>
-#include <ctime>
+#include "nyr/time/time.h"
 
 namespace NyrMailText {
 
@@ -36,16 +35,8 @@ namespace NyrMailText {
 
 std::string CurrentDate()
 {
-    static const char* const kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    static const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                          "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const std::time_t now = std::time(nullptr);
-    std::tm utc{};
-    gmtime_r(&now, &utc);
-    char text[40];
-    std::snprintf(text, sizeof text, "%s, %02d %s %02d %02d:%02d:%02d GMT", kDays[utc.tm_wday], utc.tm_mday,
-                  kMonths[utc.tm_mon], utc.tm_year % 100, utc.tm_hour, utc.tm_min, utc.tm_sec);
-    return text;
+    // The time class's formatter has English names on every locale; "%y" on purpose.
+    return CNyrTime::FormatUTC(CNyrTime::CurrentTimeUTC(), "%a, %d %b %y %H:%M:%S GMT");
 }
 
 }  // namespace NyrMailText
