@@ -275,7 +275,7 @@ int CNyrSmtp::Await(unsigned index, unsigned timeoutMs)
 
 bool CNyrSmtp::SendCommand(const std::string& command)
 {
-    if (m_socket->Send(command, m_timeouts.command))
+    if (m_socket->Send({command}, m_timeouts.command))
         return true;
     SetSocketError(errno);
     return false;
@@ -515,9 +515,7 @@ int CNyrSmtp::TransmitMailMessage(CNyrMailMessage* message)
     PrepareHeader(header);
     std::string body = message->Body();
     PrepareBody(body);
-    const unsigned block = m_timeouts.dataBlock;
-    if (!m_socket->Send(header, block, true) || !m_socket->Send("\r\n", block, true) ||
-        !m_socket->Send(body, block, true) || !m_socket->Send("\r\n.\r\n", block)) {
+    if (!m_socket->Send({header, "\r\n", body, "\r\n.\r\n"}, m_timeouts.dataBlock)) {
         SetSocketError(errno);
         return 0;
     }

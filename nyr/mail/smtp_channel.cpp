@@ -9,11 +9,13 @@
 #include <openssl/x509v3.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <vector>
 
 namespace {
 
@@ -258,31 +260,42 @@ long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, unsigned timeoutMs
                 return -1;
             }
         } else {
+            // A reply follows a command: waiting first saves a read that would find nothing.
+            if (!WaitUntil(POLLIN, deadline, timeoutMs != 0))
+                return -1;
             const ssize_t n = recv(m_fd, buffer, size, 0);
             if (n >= 0)
                 return n;
             if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
                 return -1;
+            continue;
         }
         if (!WaitUntil(events, deadline, timeoutMs != 0))
             return -1;
     }
 }
 
-bool CNyrSmtpChannel::Send(std::string_view data, unsigned timeoutMs, bool more)
+bool CNyrSmtpChannel::Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs)
 {
     if (m_fd < 0) {
         errno = ENOTCONN;
         return false;
     }
-    while (!data.empty()) {
+    std::vector<std::string_view> rest;
+    for (const auto piece : pieces)
+        if (!piece.empty())
+            rest.push_back(piece);
+    std::size_t first = 0;  // rest[first] is the piece being sent
+    while (first < rest.size()) {
         short events = POLLOUT;
         if (m_ssl) {
             ERR_clear_error();
             errno = 0;
-            const int n = SSL_write(m_ssl, data.data(), static_cast<int>(std::min<std::size_t>(data.size(), 1 << 20)));
+            std::string_view& piece = rest[first];
+            const int n = SSL_write(m_ssl, piece.data(), static_cast<int>(std::min<std::size_t>(piece.size(), 1 << 20)));
             if (n > 0) {
-                data.remove_prefix(static_cast<std::size_t>(n));
+                piece.remove_prefix(static_cast<std::size_t>(n));
+                first += piece.empty();
                 continue;
             }
             switch (SSL_get_error(m_ssl, n)) {
@@ -298,9 +311,20 @@ bool CNyrSmtpChannel::Send(std::string_view data, unsigned timeoutMs, bool more)
                 return false;
             }
         } else {
-            const ssize_t n = send(m_fd, data.data(), data.size(), MSG_NOSIGNAL | (more ? MSG_MORE : 0));
+            // All pieces in one call: the message data goes out without waiting between its parts.
+            iovec vectors[8];
+            msghdr message{};
+            message.msg_iov = vectors;
+            for (std::size_t i = first; i < rest.size() && message.msg_iovlen < std::size(vectors); ++i)
+                vectors[message.msg_iovlen++] = {const_cast<char*>(rest[i].data()), rest[i].size()};
+            ssize_t n = sendmsg(m_fd, &message, MSG_NOSIGNAL);
             if (n >= 0) {
-                data.remove_prefix(static_cast<std::size_t>(n));
+                for (auto left = static_cast<std::size_t>(n); left > 0 && first < rest.size();) {
+                    const std::size_t take = std::min(left, rest[first].size());
+                    rest[first].remove_prefix(take);
+                    left -= take;
+                    first += rest[first].empty();
+                }
                 continue;
             }
             if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -44,10 +45,10 @@ public:
     // stream, -1 on failure.
     long Receive(char* buffer, std::size_t size, unsigned timeoutMs);
 
-    // Sends all of `data`; the time-out applies to each wait for the peer to
-    // take more (a stalled peer fails, a slow one does not). `more` tells that
-    // more data follows at once, so small pieces can share a packet.
-    bool Send(std::string_view data, unsigned timeoutMs, bool more = false);
+    // Sends all of the pieces, in order and as one stream (empty ones are
+    // skipped). The time-out applies to each wait for the peer to take more:
+    // a stalled peer fails, a slow one does not.
+    bool Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs);
 
     bool IsOpen() const { return m_fd >= 0; }
     bool IsSecure() const { return m_ssl != nullptr; }
