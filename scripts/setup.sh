@@ -11,7 +11,7 @@ nyr_packages() {
   case "$1" in
     main)  echo "$common" ;;
     test)  echo "$common libgtest-dev libgmock-dev libssl-dev python3 python3-aiosmtpd xdg-utils" ;;
-    bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas postfix" ;;
+    bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas clang" ;;
   esac
 }
 

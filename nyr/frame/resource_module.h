@@ -59,7 +59,9 @@ private:
     bool m_builtin = false;
 };
 
-// A module handle as the resource-switching functions pass it around. Null
+// A module handle as the resource-switching functions pass it around. The
+// handle does not own the module: a module loaded from a file must outlive
+// every use of its handle (keep it for the life of the process). Null
 // is a module without texts; it cannot be saved by NyrSetResourceHandle (the
 // slot reads null as empty), so hosts pass CNyrResourceModule::Host() instead.
 using NyrResourceHandle = CNyrResourceModule*;

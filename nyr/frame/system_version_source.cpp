@@ -64,7 +64,9 @@ public:
 private:
     static bool Read(const Counterpart& c, VS_FIXEDFILEINFO& info, unsigned long& errorCode)
     {
-        void* handle = dlopen(c.soname, RTLD_LAZY | RTLD_LOCAL);
+        // Stays resident: unloading a library that ran its static initialisers
+        // orphans what they allocated.
+        void* handle = dlopen(c.soname, RTLD_LAZY | RTLD_LOCAL | RTLD_NODELETE);
         if (!handle) {
             errorCode = ENOENT;
             return false;

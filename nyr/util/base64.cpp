@@ -2,9 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#endif
 #include <unistd.h>
 
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -29,9 +33,57 @@ struct PairTable
 };
 constexpr PairTable kPairs;
 
+#if defined(__x86_64__) || defined(__i386__)
+#define NYR_BASE64_SSSE3 1
+// Four groups a step with SSSE3, while at least 16 bytes can be loaded:
+// spread 12 bytes over 16 lanes, cut out the 6-bit values with two
+// multiplications, and map values to the alphabet by their range (A-Z, a-z,
+// 0-9, +, /) with one table shuffle. Returns the groups left over.
+__attribute__((target("ssse3"))) size_t EncodeGroupsSsse3(const unsigned char*& src, size_t groups, char*& dst)
+{
+    const __m128i spread = _mm_set_epi8(10, 11, 9, 10, 7, 8, 6, 7, 4, 5, 3, 4, 1, 2, 0, 1);
+    const __m128i offsets = _mm_setr_epi8('a' - 26, '0' - 52, '0' - 52, '0' - 52, '0' - 52, '0' - 52, '0' - 52,
+                                          '0' - 52, '0' - 52, '0' - 52, '0' - 52, '+' - 62, '/' - 63, 'A', 0, 0);
+    for (; groups >= 6; groups -= 4, src += 12, dst += 16) {
+        const __m128i in = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src)), spread);
+        const __m128i hi = _mm_mulhi_epu16(_mm_and_si128(in, _mm_set1_epi32(0x0FC0FC00)), _mm_set1_epi32(0x04000040));
+        const __m128i lo = _mm_mullo_epi16(_mm_and_si128(in, _mm_set1_epi32(0x003F03F0)), _mm_set1_epi32(0x01000010));
+        const __m128i values = _mm_or_si128(hi, lo);
+        // Range number: 0 for 0-25 (13 after the or), 1-12 for 26-63.
+        __m128i range = _mm_subs_epu8(values, _mm_set1_epi8(51));
+        range = _mm_or_si128(range, _mm_and_si128(_mm_cmpgt_epi8(_mm_set1_epi8(26), values), _mm_set1_epi8(13)));
+        const __m128i chars = _mm_add_epi8(_mm_shuffle_epi8(offsets, range), values);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst), chars);
+    }
+    return groups;
+}
+
+const bool kHaveSsse3 = __builtin_cpu_supports("ssse3");
+#endif
+
 // Encodes `groups` complete groups of three bytes into 4 * groups characters.
 void EncodeGroups(const unsigned char* src, size_t groups, char* dst)
 {
+#ifdef NYR_BASE64_SSSE3
+    if (kHaveSsse3)
+        groups = EncodeGroupsSsse3(src, groups, dst);
+#endif
+    if constexpr (std::endian::native == std::endian::little) {
+        // Two groups a step: one 8-byte load (of which 6 bytes count, so
+        // only while 8 are there), four pair look-ups, one 8-byte store.
+        for (; groups >= 3; groups -= 2, src += 6, dst += 8) {
+            uint64_t v;
+            std::memcpy(&v, src, 8);
+            v = __builtin_bswap64(v);
+            uint16_t p[4];
+            std::memcpy(&p[0], &kPairs.chars[2 * ((v >> 52) & 0xFFF)], 2);
+            std::memcpy(&p[1], &kPairs.chars[2 * ((v >> 40) & 0xFFF)], 2);
+            std::memcpy(&p[2], &kPairs.chars[2 * ((v >> 28) & 0xFFF)], 2);
+            std::memcpy(&p[3], &kPairs.chars[2 * ((v >> 16) & 0xFFF)], 2);
+            const uint64_t out = uint64_t(p[0]) | uint64_t(p[1]) << 16 | uint64_t(p[2]) << 32 | uint64_t(p[3]) << 48;
+            std::memcpy(dst, &out, 8);
+        }
+    }
     for (size_t g = 0; g < groups; ++g, src += 3, dst += 4) {
         const uint32_t v = uint32_t(src[0]) << 16 | uint32_t(src[1]) << 8 | src[2];
         std::memcpy(dst, &kPairs.chars[2 * (v >> 12)], 2);

@@ -45,14 +45,16 @@
 // the new file, never a mix, and processes writing different entries of one
 // file at the same time lose nothing. The file keeps its permissions; a
 // symbolic link stays a link to the rewritten file. Writes need a writable
-// folder and a writable file. No fsync: a write costs no disk flush, and the
-// rename still orders old before new on journalling file systems.
+// folder and a writable file. No fsync, so a write costs no disk flush:
+// after a power failure the file may be the old one; ext4 (by default) writes
+// a file replaced by rename to disk before it commits the rename.
 //
 // Speed: parsed files are cached per process. A read is a hash look-up; the
-// file is checked (size, modification and change time, inode) at most every
-// 0.1 ms and parsed again only when it changed. This process's writes are
-// seen at once; another program's change is seen by reads starting 0.1 ms
-// after it.
+// file is checked (size, modification and change time, inode: one stat) once
+// per tick of the coarse system clock (1 to 10 ms by the kernel's tick rate,
+// 4 ms on Debian) and parsed again only when it changed. This process's
+// writes are seen at once; another program's change is seen by reads starting
+// one tick after it (file times have that resolution too).
 //
 // Value forms: integers as "%d"; texts as they are; integer vectors as each
 // element followed by ";" ("120;80;-1;"; an empty vector is an empty value).
@@ -61,21 +63,8 @@
 // absent; writes return 1 on success and 0 on failure (a missing or
 // read-only folder or file, a name or value refused above) and never throw.
 // Safe to call from any thread.
-// The host application's own profile store, reached by the host-application
-// variants of the integer-vector operations. Whether it keeps its strings in
-// a file or elsewhere is the host's choice. The widgets library implements it
-// over QSettings (CNyrSettingsProfile, nyrwidgets/frame/settings_profile.h).
-class NYR_EXPORT CNyrHostProfile
-{
-public:
-    virtual ~CNyrHostProfile();
-    // The stored text of `entry` in `section`, or `defaultValue` when absent.
-    virtual std::string GetProfileString(const std::string& section, const std::string& entry,
-                                         const std::string& defaultValue) = 0;
-    // Stores the text; non-zero on success.
-    virtual int WriteProfileString(const std::string& section, const std::string& entry,
-                                   const std::string& value) = 0;
-};
+
+class CNyrHostProfile;
 
 class NYR_EXPORT CNyrProfileEntries
 {
@@ -163,6 +152,22 @@ public:
                                         std::vector<int>& values);
     static int WriteNyrProfileIntVector(const std::string& section, const std::string& entry,
                                         const std::vector<int>& values);
+};
+
+// The host application's own profile store, reached by the host-application
+// variants of the integer-vector operations. Whether it keeps its strings in
+// a file or elsewhere is the host's choice. The widgets library implements it
+// over QSettings (CNyrSettingsProfile, nyrwidgets/frame/settings_profile.h).
+class NYR_EXPORT CNyrHostProfile
+{
+public:
+    virtual ~CNyrHostProfile();
+    // The stored text of `entry` in `section`, or `defaultValue` when absent.
+    virtual std::string GetProfileString(const std::string& section, const std::string& entry,
+                                         const std::string& defaultValue) = 0;
+    // Stores the text; non-zero on success.
+    virtual int WriteProfileString(const std::string& section, const std::string& entry,
+                                   const std::string& value) = 0;
 };
 
 // Where the library's settings file lives. The default is

@@ -6,9 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
-#include <climits>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -20,13 +19,22 @@ namespace nyr::detail {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+// How long a read trusts the cached parse without looking at the file,
+// measured on the coarse monotonic clock, so in practice until its next tick
+// (1 to 10 ms by the kernel's tick rate, 4 ms on Debian). The file's own
+// times come from the same coarse clock, so they cannot tell changes apart
+// more finely anyway; and a burst of reads (restoring a window's layout, say)
+// costs one stat instead of one per read. The coarse clock is also a fraction
+// of the fine one's cost.
+constexpr int64_t kTrustCachedNs = 1'000'000;
 
-// How long a read trusts the cached parse without looking at the file. Short
-// enough that another program's change is seen practically at once, long
-// enough that a burst of reads (restoring a window's layout, say) costs one
-// stat instead of one per read.
-constexpr auto kTrustCached = std::chrono::microseconds(100);
+int64_t CoarseNow()
+{
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &ts);
+    return int64_t{ts.tv_sec} * 1'000'000'000 + ts.tv_nsec;
+}
+
 // Larger files are not settings files: they read as absent and are never
 // rewritten (rewriting would mean truncating what could not be read).
 constexpr off_t kMaxFileSize = off_t{64} << 20;
@@ -55,7 +63,7 @@ struct CachedFile
 {
     std::shared_ptr<const CProfileText> text;  // null: absent or unreadable
     FileId id;
-    Clock::time_point checked;
+    int64_t checked = 0;  // CoarseNow() of the last look at the file
     bool valid = false;  // `checked` and `text` describe the file
     uint64_t lastUse = 0;
 };
@@ -66,21 +74,29 @@ struct Cache
     std::unordered_map<std::string, CachedFile> files;
     uint64_t uses = 0;
 
+    // The file used last: reads come in runs on one file.
+    std::string lastPath;
+    CachedFile* last = nullptr;  // nodes of `files` keep their address
+
     CachedFile& Slot(const std::string& path)
     {
-        auto it = files.find(path);
-        if (it == files.end()) {
-            if (files.size() >= kMaxCachedFiles) {
-                auto oldest = files.begin();
-                for (auto i = files.begin(); i != files.end(); ++i)
-                    if (i->second.lastUse < oldest->second.lastUse)
-                        oldest = i;
-                files.erase(oldest);
+        if (!last || path != lastPath) {
+            auto it = files.find(path);
+            if (it == files.end()) {
+                if (files.size() >= kMaxCachedFiles) {
+                    auto oldest = files.begin();
+                    for (auto i = files.begin(); i != files.end(); ++i)
+                        if (i->second.lastUse < oldest->second.lastUse)
+                            oldest = i;
+                    files.erase(oldest);
+                }
+                it = files.emplace(path, CachedFile{}).first;
             }
-            it = files.emplace(path, CachedFile{}).first;
+            lastPath = path;
+            last = &it->second;
         }
-        it->second.lastUse = ++uses;
-        return it->second;
+        last->lastUse = ++uses;
+        return *last;
     }
 };
 
@@ -101,7 +117,7 @@ std::optional<std::string> ReadAll(int fd, off_t sizeHint)
     size_t have = 0;
     for (;;) {
         if (have == content.size()) {
-            if (content.size() >= static_cast<size_t>(kMaxFileSize))
+            if (have > static_cast<size_t>(kMaxFileSize))  // grew past the limit since fstat
                 return std::nullopt;
             content.resize(have + 4096);
         }
@@ -227,8 +243,8 @@ bool ReadProfileValue(const std::string& path, std::string_view section, std::st
     Cache& cache = TheCache();
     std::lock_guard lock(cache.mutex);
     CachedFile& file = cache.Slot(path);
-    const auto now = Clock::now();
-    if (!file.valid || now - file.checked >= kTrustCached) {
+    const int64_t now = CoarseNow();
+    if (!file.valid || now - file.checked >= kTrustCachedNs) {
         Refresh(path, file);
         file.checked = now;
         file.valid = true;
@@ -312,7 +328,7 @@ bool WriteProfileValue(const std::string& path, std::string_view section, std::s
             CachedFile& cached = cache.Slot(path);
             cached.text = std::move(current);
             cached.id = newId;
-            cached.checked = Clock::now();
+            cached.checked = CoarseNow();
             cached.valid = true;
         }
         return true;  // the lock goes with `fd`, after the rename

@@ -12,11 +12,11 @@ namespace nyr::detail {
 // first matching section of `path`, while the cache is held; false (and no
 // call) when the file, section or entry is absent.
 //
-// The parsed file is cached. A read trusts the cache for kTrustCached after
-// the file was last checked; after that it checks size, modification time,
-// change time and inode (one stat) and parses again only when one differs.
-// Writes of this process update the cache at once; a change another program
-// makes is seen by reads that start kTrustCached or more after it.
+// The parsed file is cached. A read trusts the cache until the coarse clock
+// has moved 1 ms on from the last look at the file (one clock tick, 1 to
+// 10 ms); after that it checks size, modification time, change time and inode
+// (one stat) and parses again only when one differs. Writes of this process
+// update the cache at once.
 bool ReadProfileValue(const std::string& path, std::string_view section, std::string_view entry,
                       void (*use)(void* context, std::string_view value), void* context);
 

@@ -1,5 +1,6 @@
 #include "nyr/util/profile_text_p.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -30,27 +31,55 @@ bool HasLineBreakOrZero(std::string_view s)
     return s.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
 }
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-}  // namespace
-
-size_t CaseInsensitiveHash::operator()(std::string_view s) const noexcept
+// Eight bytes at a time, each with bit 0x20 set: that folds ASCII letters to
+// lower case and gives names that compare equal without regard to case equal
+// hashes (other bytes only collide more, which the comparison sorts out).
+// The table tag is the upper half, never 0.
+uint32_t NameTag(std::string_view s)
 {
-    uint64_t h = 14695981039346656037ull;  // FNV-1a
-    for (const char c : s)
-        h = (h ^ FoldCase(static_cast<unsigned char>(c))) * 1099511628211ull;
-    return static_cast<size_t>(h);
+    constexpr uint64_t kFold = 0x2020202020202020ull;
+    constexpr uint64_t kMulA = 0x9E3779B97F4A7C15ull;
+    constexpr uint64_t kMulB = 0xC2B2AE3D27D4EB4Full;
+    // Two independent multiply chains over 16 bytes a step.
+    uint64_t a = s.size() * kMulA;
+    uint64_t b = ~a;
+    const char* p = s.data();
+    size_t n = s.size();
+    for (; n >= 16; n -= 16, p += 16) {
+        uint64_t w0, w1;
+        std::memcpy(&w0, p, 8);
+        std::memcpy(&w1, p + 8, 8);
+        a = (a ^ (w0 | kFold)) * kMulA;
+        b = (b ^ (w1 | kFold)) * kMulB;
+    }
+    uint64_t w0 = 0, w1 = 0;
+    std::memcpy(&w0, p, n < 8 ? n : 8);
+    if (n > 8)
+        std::memcpy(&w1, p + 8, n - 8);
+    a = (a ^ (w0 | kFold)) * kMulA;
+    b = (b ^ (w1 | kFold)) * kMulB;
+    uint64_t h = a ^ (b >> 31 | b << 33);
+    h ^= h >> 29;
+    h *= kMulA;
+    h ^= h >> 32;
+    return static_cast<uint32_t>(h) | 1;
 }
 
-bool CaseInsensitiveEqual::operator()(std::string_view a, std::string_view b) const noexcept
+bool SameName(std::string_view a, std::string_view b)
 {
     if (a.size() != b.size())
         return false;
+    if (std::memcmp(a.data(), b.data(), a.size()) == 0)  // names are mostly spelled alike
+        return true;
     for (size_t i = 0; i < a.size(); ++i)
         if (FoldCase(static_cast<unsigned char>(a[i])) != FoldCase(static_cast<unsigned char>(b[i])))
             return false;
     return true;
 }
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
 
 std::string_view TrimBlanks(std::string_view s)
 {
@@ -131,9 +160,53 @@ bool IsWritableValue(std::string_view value)
     return !HasLineBreakOrZero(value);
 }
 
+template <class Record>
+const Record* CProfileText::FlatIndex<Record>::Find(std::string_view text, std::string_view name,
+                                                    uint32_t tag) const
+{
+    if (m_slots.empty())
+        return nullptr;
+    const size_t mask = m_slots.size() - 1;
+    for (size_t i = tag & mask;; i = (i + 1) & mask) {
+        const Record& r = m_slots[i];
+        if (r.tag == 0)
+            return nullptr;
+        if (r.tag == tag && SameName(text.substr(r.nameBegin, r.nameLength), name))
+            return &r;
+    }
+}
+
+template <class Record>
+Record* CProfileText::FlatIndex<Record>::Add(std::string_view text, const Record& record)
+{
+    if (Find(text, text.substr(record.nameBegin, record.nameLength), record.tag))
+        return nullptr;
+    if ((m_count + 1) * 2 > m_slots.size()) {
+        std::vector<Record> old(std::max<size_t>(8, m_slots.size() * 2));
+        old.swap(m_slots);
+        const size_t mask = m_slots.size() - 1;
+        for (Record& r : old) {
+            if (r.tag == 0)
+                continue;
+            size_t i = r.tag & mask;
+            while (m_slots[i].tag != 0)
+                i = (i + 1) & mask;
+            m_slots[i] = std::move(r);
+        }
+    }
+    const size_t mask = m_slots.size() - 1;
+    size_t i = record.tag & mask;
+    while (m_slots[i].tag != 0)
+        i = (i + 1) & mask;
+    m_slots[i] = record;
+    ++m_count;
+    return &m_slots[i];
+}
+
 CProfileText::CProfileText(std::string text) : m_text(std::move(text))
 {
-    Parse();
+    if (m_text.size() <= UINT32_MAX)
+        Parse();
 }
 
 void CProfileText::Parse()
@@ -141,6 +214,8 @@ void CProfileText::Parse()
     const std::string_view all = m_text;
     if (const size_t lf = all.find('\n'); lf != std::string_view::npos && lf > 0 && all[lf - 1] == '\r')
         m_eol = "\r\n";
+    const auto offset = [&](std::string_view part) { return static_cast<uint32_t>(part.data() - all.data()); };
+    const auto length = [](std::string_view part) { return static_cast<uint32_t>(part.size()); };
 
     size_t pos = all.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
     Section* current = nullptr;  // null before the first section and in repeated sections
@@ -159,8 +234,13 @@ void CProfileText::Parse()
             // The name runs to the first "]", or to the end of a line without one.
             std::string_view name = line.substr(first + 1);
             name = TrimBlanks(name.substr(0, name.find(']')));
-            const auto [it, added] = m_sections.try_emplace(name, Section{next, lf == std::string_view::npos, {}});
-            current = added ? &it->second : nullptr;  // the first matching section wins
+            Section section;
+            section.tag = NameTag(name);
+            section.nameBegin = offset(name);
+            section.nameLength = length(name);
+            section.insertAt = static_cast<uint32_t>(next);
+            section.needsBreak = lf == std::string_view::npos;
+            current = m_sections.Add(all, section);  // the first matching section wins
         } else if (const size_t eq = line.find('='); eq != std::string_view::npos && current) {
             const std::string_view name = TrimBlanks(line.substr(0, eq));
             if (!name.empty()) {
@@ -169,8 +249,16 @@ void CProfileText::Parse()
                 while (lead < raw.size() && IsBlank(raw[lead]))
                     ++lead;
                 const std::string_view value = Unquote(TrimBlanks(raw)).substr(0, kMaxValue);
-                current->entries.try_emplace(name, Entry{value, pos + eq + 1 + lead, end});
-                current->insertAt = next;
+                Entry entry;
+                entry.tag = NameTag(name);
+                entry.nameBegin = offset(name);
+                entry.nameLength = length(name);
+                entry.valueBegin = offset(value);
+                entry.valueLength = length(value);
+                entry.rawValueBegin = offset(raw) + static_cast<uint32_t>(lead);
+                entry.lineEnd = static_cast<uint32_t>(end);
+                current->entries.Add(all, entry);
+                current->insertAt = static_cast<uint32_t>(next);
                 current->needsBreak = lf == std::string_view::npos;
             }
         }
@@ -178,15 +266,23 @@ void CProfileText::Parse()
     }
 }
 
+const CProfileText::Entry* CProfileText::FindEntry(std::string_view section, std::string_view entry,
+                                                   const Section** owner) const
+{
+    section = TrimBlanks(section);
+    entry = TrimBlanks(entry);
+    const Section* s = m_sections.Find(m_text, section, NameTag(section));
+    if (owner)
+        *owner = s;
+    return s ? s->entries.Find(m_text, entry, NameTag(entry)) : nullptr;
+}
+
 std::optional<std::string_view> CProfileText::Find(std::string_view section, std::string_view entry) const
 {
-    const auto s = m_sections.find(TrimBlanks(section));
-    if (s == m_sections.end())
+    const Entry* e = FindEntry(section, entry, nullptr);
+    if (!e)
         return std::nullopt;
-    const auto e = s->second.entries.find(TrimBlanks(entry));
-    if (e == s->second.entries.end())
-        return std::nullopt;
-    return e->second.value;
+    return std::string_view(m_text).substr(e->valueBegin, e->valueLength);
 }
 
 std::string CProfileText::With(std::string_view section, std::string_view entry, std::string_view value) const
@@ -197,20 +293,19 @@ std::string CProfileText::With(std::string_view section, std::string_view entry,
     std::string out;
     out.reserve(all.size() + section.size() + entry.size() + value.size() + 8);
 
-    const auto s = m_sections.find(section);
-    if (s != m_sections.end()) {
-        const Section& sec = s->second;
-        if (const auto e = sec.entries.find(entry); e != sec.entries.end()) {
-            out.append(all.substr(0, e->second.valueBegin));
-            out.append(value);
-            out.append(all.substr(e->second.lineEnd));
-            return out;
-        }
-        out.append(all.substr(0, sec.insertAt));
-        if (sec.needsBreak)
+    const Section* sec = nullptr;
+    if (const Entry* e = FindEntry(section, entry, &sec)) {
+        out.append(all.substr(0, e->rawValueBegin));
+        out.append(value);
+        out.append(all.substr(e->lineEnd));
+        return out;
+    }
+    if (sec) {
+        out.append(all.substr(0, sec->insertAt));
+        if (sec->needsBreak)
             out.append(m_eol);
         out.append(entry).append("=").append(value).append(m_eol);
-        out.append(all.substr(sec.insertAt));
+        out.append(all.substr(sec->insertAt));
         return out;
     }
 

@@ -10,22 +10,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "nyr/platform/export.h"
 
 namespace nyr::detail {
-
-// Case-insensitive (ASCII) hashing and comparison of names.
-struct CaseInsensitiveHash
-{
-    size_t operator()(std::string_view s) const noexcept;
-};
-struct CaseInsensitiveEqual
-{
-    bool operator()(std::string_view a, std::string_view b) const noexcept;
-};
 
 // Blanks around names and values: space, tab, CR, vertical tab, form feed.
 NYR_EXPORT std::string_view TrimBlanks(std::string_view s);
@@ -49,8 +38,8 @@ NYR_EXPORT bool IsWritableSection(std::string_view section);
 NYR_EXPORT bool IsWritableEntry(std::string_view entry);
 NYR_EXPORT bool IsWritableValue(std::string_view value);
 
-// One parsed settings text. The index holds views into the text, so the
-// object is neither copied nor moved; share it through a pointer.
+// One parsed settings text: the text and an index of its first matching
+// sections and entries. Immutable once made; share it through a pointer.
 class NYR_EXPORT CProfileText
 {
 public:
@@ -77,26 +66,51 @@ public:
     std::string With(std::string_view section, std::string_view entry, std::string_view value) const;
 
 private:
+    // Names and values are [begin, begin + length) of m_text; texts are at
+    // most 4 GiB (the store reads files of at most 64 MiB).
     struct Entry
     {
-        std::string_view value;  // as read: trimmed, unquoted, cut
-        size_t valueBegin;       // raw value text [valueBegin, lineEnd) is what a write replaces
-        size_t lineEnd;          // end of the line's text, before its line break
+        uint32_t tag = 0;  // 0: empty slot
+        uint32_t nameBegin, nameLength;
+        uint32_t valueBegin, valueLength;  // as read: trimmed, unquoted, cut
+        uint32_t rawValueBegin;            // [rawValueBegin, lineEnd) is what a write replaces
+        uint32_t lineEnd;                  // end of the line's text, before its line break
     };
+
+    // Open addressing with linear probing in a power-of-two table kept at
+    // most half full. The records sit in the slots, so a look-up touches one
+    // slot and the name's text; a miss compares 32-bit tags only.
+    template <class Record>
+    class FlatIndex
+    {
+    public:
+        const Record* Find(std::string_view text, std::string_view name, uint32_t tag) const;
+        // Adds `record` unless a record of the same name is there (the first
+        // stays); returns the added record or null.
+        Record* Add(std::string_view text, const Record& record);
+
+    private:
+        std::vector<Record> m_slots;
+        size_t m_count = 0;
+    };
+
     struct Section
     {
+        uint32_t tag = 0;
+        uint32_t nameBegin, nameLength;
         // Where an added entry goes: after the last entry line of the
         // section, or after its header when it has none.
-        size_t insertAt;  // just after that line and its line break
-        bool needsBreak;  // that line ends the text without a line break
-        std::unordered_map<std::string_view, Entry, CaseInsensitiveHash, CaseInsensitiveEqual> entries;
+        uint32_t insertAt;  // just after that line and its line break
+        bool needsBreak;    // that line ends the text without a line break
+        FlatIndex<Entry> entries;
     };
 
     void Parse();
+    const Entry* FindEntry(std::string_view section, std::string_view entry, const Section** owner) const;
 
     std::string m_text;
     std::string_view m_eol = "\n";
-    std::unordered_map<std::string_view, Section, CaseInsensitiveHash, CaseInsensitiveEqual> m_sections;
+    FlatIndex<Section> m_sections;
 };
 
 }  // namespace nyr::detail

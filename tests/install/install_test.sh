@@ -9,7 +9,8 @@ test -f "$work/prefix/include/nyr/frame/resource_module.h"
 test ! -e "$work/prefix/include/nyr/frame/text_table_p.h"   # private headers stay private
 
 "$CMAKE" -S "$consumer" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
-         -DWITH_WIDGETS="$widgets" -DCMAKE_BUILD_TYPE=Release > "$work/configure.log"
+         -DWITH_WIDGETS="$widgets" -DCMAKE_BUILD_TYPE=Release \
+         -DCMAKE_CXX_FLAGS="${CONSUMER_FLAGS:-}" -DCMAKE_EXE_LINKER_FLAGS="${CONSUMER_FLAGS:-}" > "$work/configure.log"
 "$CMAKE" --build "$work/build" -j2 > "$work/build.log"
 LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/build/consumer" | grep -q '^Socket error.$'
 if [ "$widgets" = 1 ]; then
@@ -18,7 +19,7 @@ fi
 
 # The same through pkg-config.
 pcdir=$(dirname "$(find "$work/prefix" -name nyr240.pc | head -n1)")
-PKG_CONFIG_PATH="$pcdir" "$CXX" -o "$work/pc_consumer" "$consumer/main.cpp" \
+PKG_CONFIG_PATH="$pcdir" "$CXX" ${CONSUMER_FLAGS:-} -o "$work/pc_consumer" "$consumer/main.cpp" \
     $(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs nyr240)
 LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/pc_consumer" | grep -q '^Socket error.$'
 echo "install test passed"

@@ -188,9 +188,7 @@ TEST_F(VersionCheckTest, LoadFixedFileInfoIsUncachedAndZeroesOnFailure)
 
 TEST(SystemVersionSource, ASystemWithQtSixPassesTheCombinedCheck)
 {
-    void* qt = dlopen("libQt6Widgets.so.6", RTLD_LAZY | RTLD_NOLOAD);
-    if (!qt)
-        qt = dlopen("libQt6Widgets.so.6", RTLD_LAZY);
+    void* qt = dlopen("libQt6Widgets.so.6", RTLD_LAZY | RTLD_NODELETE);
     if (!qt)
         GTEST_SKIP() << "Qt 6 Widgets is not installed";
     dlclose(qt);

@@ -1,0 +1,292 @@
+#include "nyr/values/format.h"
+
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
+#include "nyr/frame/resource_module.h"
+#include "nyr/values/packed_angle.h"
+#include "nyr/values/packed_angle_p.h"
+#include "nyr/values/text_number_p.h"
+#include "nyr/values/units.h"
+#include "nyr/values/units_p.h"
+
+using namespace nyr::values;
+
+namespace {
+
+constexpr int kMaxPrecision = 15;
+
+// Symbols and hemisphere letters, loaded once per process from the text table.
+struct AngleTexts
+{
+    std::string dms[3];  // degree, minute and second signs
+    std::string gon[3];
+    std::string north, south, east, west;
+};
+
+const AngleTexts& Texts()
+{
+    static const AngleTexts texts = [] {
+        AngleTexts t;
+        t.dms[0] = NyrLoadString(26134);
+        t.dms[1] = "'";
+        t.dms[2] = NyrLoadString(26132);
+        t.gon[0] = "g";
+        t.gon[1] = "c";
+        t.gon[2] = "cc";
+        t.north = NyrLoadString(26010);
+        t.south = NyrLoadString(26011);
+        t.east = NyrLoadString(26012);
+        t.west = NyrLoadString(26013);
+        return t;
+    }();
+    return texts;
+}
+
+const std::string& HemisphereLetter(eNyrGeoKind kind, bool negative)
+{
+    const AngleTexts& t = Texts();
+    if (kind == NYR_GEO_LATITUDE)
+        return negative ? t.south : t.north;
+    return negative ? t.west : t.east;
+}
+
+// An integer right-aligned in `width` places, padded with `pad`.
+void AppendInt(std::string& out, long long value, int width, char pad)
+{
+    char digits[24];
+    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    const int length = static_cast<int>(result.ptr - digits);
+    if (length < width)
+        out.append(static_cast<std::size_t>(width - length), pad);
+    out.append(digits, result.ptr);
+}
+
+// Seconds (in 1e-8 units) with two integer places padded with `pad` and
+// `decimals` (0 to 8) decimals; trimmed like the decimal text when asked.
+void AppendSeconds(std::string& out, long long seconds, int decimals, char pad, bool trim)
+{
+    AppendInt(out, seconds / kSecondUnits, 2, pad);
+    if (decimals == 0)
+        return;
+    char fraction[kMaxSecondDecimals];
+    long long rest = seconds % kSecondUnits;
+    for (int i = kMaxSecondDecimals - 1; i >= 0; --i, rest /= 10)
+        fraction[i] = static_cast<char>('0' + rest % 10);
+    int shown = decimals;
+    if (trim)
+        while (shown > 1 && fraction[shown - 1] == '0')
+            --shown;
+    out += '.';
+    out.append(fraction, static_cast<std::size_t>(shown));
+}
+
+// Spells out the capitalised placeholders as the lower-case ones followed by
+// the unit's symbols; "%%" stays as it is.
+std::string SpellOutSymbols(const std::string& format, const std::string (&symbols)[3])
+{
+    static const char* const kCapitalised[] = {"%DegOrG", "%MinOrC", "%SecOrCC"};
+    static const char* const kPlain[] = {"%degOrG", "%minOrC", "%secOrCC"};
+    std::string out;
+    for (std::size_t i = 0; i < format.size();) {
+        if (format.compare(i, 2, "%%") == 0) {
+            out += "%%";
+            i += 2;
+            continue;
+        }
+        bool replaced = false;
+        for (int field = 0; field < 3 && !replaced; ++field) {
+            const std::string_view name = kCapitalised[field];
+            if (format.compare(i, name.size(), name) == 0) {
+                out += kPlain[field];
+                out += symbols[field];
+                i += name.size();
+                replaced = true;
+            }
+        }
+        if (!replaced)
+            out += format[i++];
+    }
+    return out;
+}
+
+void AppendCustom(std::string& out, const std::string& format, const PackedFields& f, bool showSign, int decimals,
+                  bool trim)
+{
+    for (std::size_t i = 0; i < format.size();) {
+        if (format[i] != '%') {
+            out += format[i++];
+        } else if (format.compare(i, 2, "%%") == 0) {
+            out += '%';
+            i += 2;
+        } else if (format.compare(i, 7, "%degOrG") == 0) {
+            if (showSign && f.negative)
+                out += '-';
+            AppendInt(out, f.whole, 1, ' ');
+            i += 7;
+        } else if (format.compare(i, 7, "%minOrC") == 0) {
+            AppendInt(out, f.minutes, 2, '0');
+            i += 7;
+        } else if (format.compare(i, 8, "%secOrCC") == 0) {
+            AppendSeconds(out, f.seconds, decimals, '0', trim);
+            i += 8;
+        } else {
+            out += format[i++];
+        }
+    }
+}
+
+}  // namespace
+
+CNyrFormat::CNyrFormat(long unit, int useSecOnly, int limitToCircle, const char* customFormat)
+    : m_unit(unit), m_useSecOnly(useSecOnly ? 1 : 0), m_limitToCircle(limitToCircle ? 1 : 0)
+{
+    SetUnitAbbreviation(unit);
+    if (customFormat && *customFormat)
+        Format(customFormat);
+}
+
+CNyrFormat::~CNyrFormat() = default;
+
+void CNyrFormat::SetUnitAbbreviation(const char* abbreviation)
+{
+    m_abbreviation = abbreviation ? abbreviation : "";
+}
+
+void CNyrFormat::SetUnitAbbreviation(long unit)
+{
+    const char* abbreviation = UnitAbbreviation(unit, m_useSecOnly != 0);
+    m_abbreviation = abbreviation ? abbreviation : "";
+}
+
+void CNyrFormat::GetUnitAbbreviation(std::string& out) const
+{
+    out = m_abbreviation;
+}
+
+const std::string& CNyrFormat::Format() const
+{
+    return m_customFormat;
+}
+
+void CNyrFormat::Format(const char* customFormat)
+{
+    SetCustomPieces(customFormat, customFormat);
+    m_customFormat = customFormat ? customFormat : "";
+}
+
+void CNyrFormat::CustomFormat(const char* dmsFormat, const char* gonFormat)
+{
+    SetCustomPieces(dmsFormat, gonFormat);
+    m_customFormat.clear();
+}
+
+void CNyrFormat::SetCustomPieces(const char* dmsFormat, const char* gonFormat)
+{
+    m_customDms = dmsFormat ? SpellOutSymbols(dmsFormat, Texts().dms) : std::string();
+    m_customGon = gonFormat ? SpellOutSymbols(gonFormat, Texts().gon) : std::string();
+}
+
+void CNyrFormat::Precision(int precision)
+{
+    m_precision = precision < 0 ? 0 : precision > kMaxPrecision ? kMaxPrecision : precision;
+}
+
+int CNyrFormat::Precision() const
+{
+    return m_precision;
+}
+
+void CNyrFormat::Unit(long unit)
+{
+    m_unit = unit;
+    SetUnitAbbreviation(unit);
+}
+
+void CNyrFormat::UseSecOnly(int on)
+{
+    m_useSecOnly = on ? 1 : 0;
+    SetUnitAbbreviation(m_unit);
+}
+
+int CNyrFormat::ConvertToString(double value, long unit, std::string& out) const
+{
+    return ConvertToString(value, unit, out, NYR_GEO_NONE, 0);
+}
+
+int CNyrFormat::ConvertToString(double value, long unit, std::string& out, eNyrGeoKind kind,
+                                unsigned long packedFlags) const
+{
+    out.clear();
+    const bool angle = NyrIsAngleUnit(unit);
+    if ((!angle && !NyrIsDistanceUnit(unit)) || !std::isfinite(value))
+        return 0;
+    const bool geo = angle && kind != NYR_GEO_NONE;
+    if (angle && !geo && m_limitToCircle)
+        packedFlags |= WB32_FLAG_ONE_TURN;
+    const bool trim = m_trimTrailingZeros != 0;
+
+    if ((unit == NYR_UNIT_DMS || unit == NYR_UNIT_GON) && !m_useSecOnly) {
+        const int base = unit == NYR_UNIT_DMS ? 60 : 100;
+        const int precision = m_precision > kMaxSecondDecimals ? kMaxSecondDecimals : m_precision;
+        const int decimals = precision <= 5 ? 5 : precision;
+        const double packed = RadiansToPacked(value, base, precision + 5, packedFlags);
+        PackedFields f;
+        if (!SplitPacked(packed, base, precision, packedFlags, f))
+            return 0;  // beyond the int fields: only values far outside any angle's range get here
+
+        const std::string& custom = base == 60 ? m_customDms : m_customGon;
+        if (!custom.empty()) {
+            AppendCustom(out, custom, f, !geo, decimals, trim);
+        } else {
+            const std::string(&symbols)[3] = base == 60 ? Texts().dms : Texts().gon;
+            int last = 2;
+            if (trim && f.seconds == 0)
+                last = f.minutes == 0 ? 0 : 1;
+            int first = 0;
+            if (m_trimLeadingZeros && f.whole == 0)
+                first = f.minutes == 0 ? 2 : 1;
+            if (first > last)
+                first = last;
+            if (!geo)
+                out += f.negative ? '-' : ' ';
+            for (int field = first; field <= last; ++field) {
+                if (field > first)
+                    out += ' ';
+                const char pad = field == first && first > 0 ? ' ' : '0';
+                if (field == 0)
+                    AppendInt(out, f.whole, kind == NYR_GEO_LATITUDE ? 2 : 3, ' ');
+                else if (field == 1)
+                    AppendInt(out, f.minutes, 2, pad);
+                else
+                    AppendSeconds(out, f.seconds, decimals, pad, trim);
+                if (m_useDmsSymbols)
+                    out += symbols[field];
+            }
+        }
+        if (geo) {
+            out += ' ';
+            out += HemisphereLetter(kind, f.negative);
+        }
+        return 1;
+    }
+
+    double number = 0;
+    const double shown = geo ? std::fabs(value) : value;
+    if (m_useSecOnly && unit >= NYR_UNIT_DEGREE && unit <= NYR_UNIT_DECIMAL_DMS)
+        number = shown / kDegreeFactor * 3600.0;
+    else if (m_useSecOnly && unit >= NYR_UNIT_GRAD && unit <= NYR_UNIT_DECIMAL_GON)
+        number = shown / kGradFactor * 10000.0;
+    else
+        ConvertUnits(shown, angle ? NYR_UNIT_RADIANS : NYR_UNIT_METRES, number, unit,
+                     m_precision <= 0 ? 6 : m_precision, packedFlags);
+    AppendDecimalText(out, number, m_precision, trim);
+    if (geo) {
+        // The hemisphere of a value that shows as zero is N or E.
+        const bool negative = value < 0 && out.find_first_of("123456789") != std::string::npos;
+        out += ' ';
+        out += HemisphereLetter(kind, negative);
+    }
+    return 1;
+}
