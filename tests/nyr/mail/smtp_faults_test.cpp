@@ -42,6 +42,16 @@ void Serve(Connection& c, std::vector<std::string>* log = nullptr,
     }
 }
 
+// Sends script[0] on connect and each further text after a line from the
+// client, then waits for the client to close.
+void Play(Connection& c, const std::vector<std::string>& script)
+{
+    for (std::size_t i = 0; i < script.size(); ++i)
+        if ((i > 0 && c.ReadLine().empty()) || !c.Send(script[i]))
+            return;
+    c.WaitClosed();
+}
+
 CNyrSmtp::TIMEOUTS Short()
 {
     const unsigned ms = 300;
@@ -91,7 +101,7 @@ TEST(SmtpFaults, RepliesAreReadWithOneReceiveAndByTheirFirstThreeCharacters)
 {
     const struct
     {
-        std::vector<std::string> script;  // sent after the client's connect, each after one client line
+        std::vector<std::string> script;  // for Play
         const char* error;
     } cases[] = {
         {{"554 no service\r\n"}, "0:Server didn't respond."},
@@ -101,12 +111,7 @@ TEST(SmtpFaults, RepliesAreReadWithOneReceiveAndByTheirFirstThreeCharacters)
         {{"220 " + std::string(1 << 20, 'x') + "\r\n"}, "0:SMTP server error."},
     };
     for (const auto& c : cases) {
-        ScriptedSmtpServer server([&c](Connection& connection) {
-            for (std::size_t i = 0; i < c.script.size(); ++i)
-                if (!connection.Send(c.script[i]) || (i + 1 < c.script.size() && connection.ReadLine().empty()))
-                    return;
-            connection.WaitClosed();
-        });
+        ScriptedSmtpServer server([&c](Connection& connection) { Play(connection, c.script); });
         CNyrSmtp smtp("127.0.0.1", server.Port());
         EXPECT_EQ(smtp.Connect(), 0);
         EXPECT_EQ(smtp.GetLastError(), c.error);
@@ -254,6 +259,29 @@ TEST(SmtpFaults, ConnectFailuresAndIpv6)
     CNyrSmtp smtp("::1", server6.Port());
     EXPECT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
     EXPECT_EQ(smtp.Disconnect(), 1);
+}
+
+TEST(SmtpFaults, SecureConnectionsRefuseWhatIsNotTls)
+{
+    const struct
+    {
+        CNyrSmtp::eSecurity security;
+        std::vector<std::string> script;  // for Play
+    } cases[] = {
+        {CNyrSmtp::SECURITY_TLS, {"220 plain text only\r\n"}},
+        // A reply planted behind the 220 to STARTTLS would be read as coming
+        // over TLS: the upgrade is refused.
+        {CNyrSmtp::SECURITY_STARTTLS, {"220 ready\r\n", "250-scripted\r\n250 STARTTLS\r\n",
+                                       "220 go ahead\r\n250 planted\r\n"}},
+    };
+    for (const auto& c : cases) {
+        ScriptedSmtpServer server([&c](Connection& connection) { Play(connection, c.script); });
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Security(c.security);
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:The secure connection to the SMTP server failed.");
+    }
 }
 
 TEST(SmtpFaults, PrepareBodyDoublesLoneDotsOnlyAndEndsTheBodyWithALineEnd)
