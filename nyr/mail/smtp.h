@@ -25,7 +25,7 @@ class CNyrSmtpChannel;
 //   per message "MAIL From: <sender>" 250, "RCPT TO: <address>" 250 for each
 //   To, Cc and Bcc recipient, "DATA" 354, header, blank line, body, ".", 250,
 //   finally "QUIT" 221.
-// Each reply is read with ONE receive of at most 1024 bytes, and only its
+// Each reply is read with a single receive of at most 1024 bytes, and only its
 // first three characters count: a reply split over packets or a multi-line
 // reply is not collected further (intended; such a server fails the
 // dialogue, and so does a reply shorter than three digits). A refused
