@@ -7,7 +7,7 @@ set -euo pipefail
 NYR_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 nyr_packages() {
-  local common="build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev tzdata"
+  local common="build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libssl-dev tzdata"
   case "$1" in
     main)  echo "$common" ;;
     test)  echo "$common libgtest-dev libgmock-dev libssl-dev python3 python3-aiosmtpd xdg-utils" ;;

@@ -255,6 +255,16 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26285, "\u00be"},
     // Mail: refused addresses
     {26286, "Mail address contains a control character."},
+    // Mail: secure connections and login to SMTP servers
+    {26287, "The SMTP server does not offer STARTTLS."},
+    {26288, "The secure connection to the SMTP server failed."},
+    {26289, "The certificate of the SMTP server could not be verified."},
+    {26290, "SMTP authentication failed."},
+    {26291, "The SMTP server offers no supported authentication method."},
+    {26292, "User name and password are sent over a secure connection only."},
+    // Mail: the hand-off to the user's mail client
+    {26293, "The mail client cannot be started."},
+    {26294, "The mail client hand-off command does not work."},
     // Tool tips of small tool buttons
     {56118, "Browse"},
     {56119, "Clear"},

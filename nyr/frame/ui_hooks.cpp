@@ -37,6 +37,12 @@ int NyrMessageBox(const std::string& text, const std::string& caption, unsigned 
     return show(text, caption, style);
 }
 
+void NyrEnableMainWindow(bool enable)
+{
+    if (Hooks().enableMainWindow)
+        Hooks().enableMainWindow(enable);
+}
+
 CNyrBusyCursor::CNyrBusyCursor()
 {
     if (Hooks().beginWaitCursor)

@@ -16,6 +16,10 @@ struct CNyrUiHooks
     // values (MB_OK = 0, MB_ICONERROR = 0x10, ...). Returns the result code
     // of the button pressed (1 OK, 2 Cancel, ...).
     int (*messageBox)(const std::string& text, const std::string& caption, unsigned style) = nullptr;
+    // Disables (false) the application's main window while another program
+    // holds the user, such as the mail client of a mail hand-off; enabling
+    // (true) makes it usable and the active window again.
+    void (*enableMainWindow)(bool enable) = nullptr;
 };
 
 // Replaces the hooks; a null member falls back to the headless default.
@@ -24,6 +28,10 @@ NYR_EXPORT const CNyrUiHooks& NyrGetUiHooks();
 
 // Shows a message through the installed hook.
 NYR_EXPORT int NyrMessageBox(const std::string& text, const std::string& caption = {}, unsigned style = 0);
+
+// Disables or enables the main window through the installed hook; the
+// headless default does nothing.
+NYR_EXPORT void NyrEnableMainWindow(bool enable);
 
 // Shows the busy cursor for the lifetime of the object (nesting is allowed:
 // every begin is matched by an end).

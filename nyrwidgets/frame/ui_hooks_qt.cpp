@@ -2,7 +2,9 @@
 // widgets library is loaded. Without a QApplication the core's headless
 // behaviour stays (no cursor; messages on standard error).
 #include <QApplication>
+#include <QMainWindow>
 #include <QMessageBox>
+#include <QPointer>
 #include <cstdio>
 
 #include "nyr/frame/ui_hooks.h"
@@ -67,6 +69,35 @@ int ShowMessage(const std::string& text, const std::string& caption, unsigned st
     }
 }
 
+// The main window is the active top-level window, else the first visible
+// QMainWindow. It is remembered so that enabling reaches the same window.
+QPointer<QWidget>& DisabledMainWindow()
+{
+    static QPointer<QWidget> window;
+    return window;
+}
+
+void EnableMainWindow(bool enable)
+{
+    if (!HaveGui())
+        return;
+    QPointer<QWidget>& disabled = DisabledMainWindow();
+    if (!enable) {
+        QWidget* window = QApplication::activeWindow();
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (!window && top->isVisible() && qobject_cast<QMainWindow*>(top))
+                window = top;
+        if (window) {
+            window->setEnabled(false);
+            disabled = window;
+        }
+    } else if (disabled) {
+        disabled->setEnabled(true);
+        disabled->activateWindow();
+        disabled = nullptr;
+    }
+}
+
 struct InstallHooks
 {
     InstallHooks()
@@ -75,6 +106,7 @@ struct InstallHooks
         hooks.beginWaitCursor = BeginWait;
         hooks.endWaitCursor = EndWait;
         hooks.messageBox = ShowMessage;
+        hooks.enableMainWindow = EnableMainWindow;
         NyrSetUiHooks(hooks);
     }
 };

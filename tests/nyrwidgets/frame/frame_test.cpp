@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QMainWindow>
 #include <QWidget>
 #include <memory>
 #include <vector>
@@ -168,3 +169,15 @@ TEST(HelpApp, ShowHelpRunsTheHookThenKicksIdleThenAsksTheMainWindow)
 }
 
 }  // namespace
+
+TEST(MainWindowHook, DisablesTheMainWindowAndEnablesItAgain)
+{
+    QMainWindow window;
+    window.show();
+    NyrEnableMainWindow(false);  // the core's hook, installed by this library
+    EXPECT_FALSE(window.isEnabled());
+    NyrEnableMainWindow(true);
+    EXPECT_TRUE(window.isEnabled());
+    NyrEnableMainWindow(true);  // nothing left to enable: harmless
+    EXPECT_TRUE(window.isEnabled());
+}

@@ -1,0 +1,294 @@
+// nyr mail compose | send | handoff: the mail classes at work.
+#include <fstream>
+#include <ostream>
+#include <sstream>
+
+#include "command.h"
+#include "nyr/mail/mail_message_mime_container.h"
+#include "nyr/mail/mapi_send_mail.h"
+#include "nyr/mail/smtp.h"
+
+namespace {
+
+using namespace nyr::cli;
+
+extern const Command kMail;
+
+// The message classes' address rules, reachable from here.
+struct Message : CNyrMailMessageMimeContainer
+{
+    using CNyrMailMessageMimeContainer::CheckMailAddress;
+    using CNyrMailMessageMimeContainer::MailAddressFromString;
+};
+
+// Options shared by the three forms.
+struct MailOptions
+{
+    std::optional<std::string> from, replyTo, subject, body, bodyFile, mailer;
+    std::vector<std::string> to, cc, bcc, attach;
+};
+
+void TakeMailOptions(std::vector<std::string>& args, MailOptions& o, bool& missing)
+{
+    o.from = TakeOption(args, "--from", missing);
+    o.replyTo = TakeOption(args, "--reply-to", missing);
+    o.subject = TakeOption(args, "--subject", missing);
+    o.body = TakeOption(args, "--body", missing);
+    o.bodyFile = TakeOption(args, "--body-file", missing);
+    o.mailer = TakeOption(args, "--mailer", missing);
+    o.to = TakeOptions(args, "--to", missing);
+    o.cc = TakeOptions(args, "--cc", missing);
+    o.bcc = TakeOptions(args, "--bcc", missing);
+    o.attach = TakeOptions(args, "--attach", missing);
+}
+
+bool ReadWholeFile(const std::string& path, std::string& content)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        return false;
+    std::ostringstream all;
+    all << in.rdbuf();
+    content = all.str();
+    return true;
+}
+
+// Mail text ends lines in "\r\n"; a command line or file usually has "\n".
+std::string MailLines(const std::string& text)
+{
+    std::string lines;
+    lines.reserve(text.size() + text.size() / 32);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r'))
+            lines += '\r';
+        lines += text[i];
+    }
+    return lines;
+}
+
+// The body text from --body or --body-file with mail line ends; an exit
+// status other than kSuccess when both are given, the required one is
+// missing or the file is unreadable.
+int BodyText(const MailOptions& o, bool required, std::string& body, std::ostream& err, const char* form)
+{
+    if (o.body && o.bodyFile)
+        return UsageError(kMail, err, "--body and --body-file exclude each other");
+    if (required && !o.body && !o.bodyFile)
+        return UsageError(kMail, err, std::string(form) + " needs --body or --body-file");
+    if (o.bodyFile && !ReadWholeFile(*o.bodyFile, body)) {
+        err << "nyr mail " << form << ": cannot read " << *o.bodyFile << "\n";
+        return kFailure;
+    }
+    if (o.body)
+        body = *o.body;
+    body = MailLines(body);
+    return kSuccess;
+}
+
+// Builds the MIME message: one UTF-8 text part, then the attachments.
+int BuildMessage(const MailOptions& o, Message& m, std::ostream& err, const char* form)
+{
+    if (!o.from || !o.subject)
+        return UsageError(kMail, err, std::string(form) + " needs --from and --subject");
+    if (o.to.empty() && o.cc.empty() && o.bcc.empty())
+        return UsageError(kMail, err, std::string(form) + " needs a recipient (--to, --cc or --bcc)");
+    std::string body;
+    if (const int status = BodyText(o, true, body, err, form); status != kSuccess)
+        return status;
+
+    for (const auto* text : {&*o.from, o.replyTo ? &*o.replyTo : nullptr}) {
+        if (text && !m.CheckMailAddress(Message::MailAddressFromString(text->c_str()))) {
+            err << "nyr mail " << form << ": not a valid mail address: " << *text << "\n";
+            return kFailure;
+        }
+    }
+    m.From(o.from->c_str());
+    if (o.replyTo)
+        m.ReplyTo(o.replyTo->c_str());
+    const std::pair<const std::vector<std::string>*, CNyrMailMessage::eRecipientTypes> lists[] = {
+        {&o.to, CNyrMailMessage::TO}, {&o.cc, CNyrMailMessage::CC}, {&o.bcc, CNyrMailMessage::BCC}};
+    for (const auto& [list, kind] : lists) {
+        for (const auto& address : *list) {
+            if (!m.AddRecipient(address.c_str(), kind)) {
+                err << "nyr mail " << form << ": not a valid mail address: " << address << "\n";
+                return kFailure;
+            }
+        }
+    }
+    m.Subject(o.subject->c_str());
+    if (o.mailer)
+        m.MailerName(o.mailer->c_str());
+
+    auto* text = new CNyrMailMessageMimePartText(NyrEncodeIso8859(body.c_str()).c_str());
+    text->Charset("utf-8");  // the system code page
+    m.AddMimePart(text);
+    for (const auto& path : o.attach) {
+        // The library sends an unreadable file as an empty attachment; the tool refuses it.
+        if (!std::ifstream(path, std::ios::binary)) {
+            err << "nyr mail " << form << ": cannot read " << path << "\n";
+            return kFailure;
+        }
+        m.AddMimePart(new CNyrMailMessageMimePartBinary(path.c_str()));
+    }
+    return kSuccess;
+}
+
+int RunCompose(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    bool missing = false;
+    MailOptions o;
+    TakeMailOptions(args, o, missing);
+    if (missing)
+        return UsageError(kMail, err, "an option is missing its value");
+    if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
+        return UsageError(kMail, err, "unknown option " + unknown);
+    if (!args.empty())
+        return UsageError(kMail, err, "unexpected argument " + args[0]);
+    Message m;
+    if (const int status = BuildMessage(o, m, err, "compose"); status != kSuccess)
+        return status;
+    out << m.Header() << "\r\n" << m.Body();
+    return kSuccess;
+}
+
+int RunSend(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    bool missing = false;
+    MailOptions o;
+    TakeMailOptions(args, o, missing);
+    const auto server = TakeOption(args, "--server", missing);
+    const auto port = TakeOption(args, "--port", missing);
+    const auto caFile = TakeOption(args, "--ca-file", missing);
+    const auto user = TakeOption(args, "--user", missing);
+    const auto passwordFile = TakeOption(args, "--password-file", missing);
+    const auto timeout = TakeOption(args, "--timeout", missing);
+    const bool startTls = TakeFlag(args, "--starttls");
+    const bool tls = TakeFlag(args, "--tls");
+    if (missing)
+        return UsageError(kMail, err, "an option is missing its value");
+    if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
+        return UsageError(kMail, err, "unknown option " + unknown);
+    if (!args.empty())
+        return UsageError(kMail, err, "unexpected argument " + args[0]);
+    if (!server)
+        return UsageError(kMail, err, "send needs --server");
+    if (startTls && tls)
+        return UsageError(kMail, err, "--starttls and --tls exclude each other");
+    if (user.has_value() != passwordFile.has_value())
+        return UsageError(kMail, err, "--user and --password-file go together");
+    long portNumber = tls ? 465 : startTls ? 587 : 25;
+    if (port && (!ParseLong(*port, portNumber) || portNumber < 1 || portNumber > 65535))
+        return UsageError(kMail, err, "not a port: " + *port);
+    long seconds = 0;
+    if (timeout && (!ParseLong(*timeout, seconds) || seconds < 1 || seconds > 3600))
+        return UsageError(kMail, err, "--timeout takes 1 to 3600 seconds");
+
+    Message m;
+    if (const int status = BuildMessage(o, m, err, "send"); status != kSuccess)
+        return status;
+    CNyrSmtp smtp(*server, static_cast<unsigned>(portNumber));
+    smtp.Security(tls ? CNyrSmtp::SECURITY_TLS : startTls ? CNyrSmtp::SECURITY_STARTTLS : CNyrSmtp::SECURITY_NONE);
+    if (caFile)
+        smtp.TrustedCertificates(*caFile);
+    if (user) {
+        std::string password;
+        if (!ReadWholeFile(*passwordFile, password)) {
+            err << "nyr mail send: cannot read " << *passwordFile << "\n";
+            return kFailure;
+        }
+        password = password.substr(0, password.find_first_of("\r\n"));  // the first line
+        smtp.Credentials(*user, password);
+    }
+    if (timeout) {
+        const unsigned ms = static_cast<unsigned>(seconds) * 1000;
+        smtp.Timeouts({ms, ms, ms, ms, ms, ms});
+    }
+    const bool sent = smtp.Connect() && smtp.SendMailMessage(&m);
+    const std::string problem = smtp.GetLastError();
+    smtp.Disconnect();
+    if (!sent) {
+        err << "nyr mail send: " << problem << "\n";
+        return kFailure;
+    }
+    if (problem != "OK")  // a refused recipient does not stop the message
+        err << "nyr mail send: warning: " << problem << "\n";
+    out << "sent to " << m.GetNumRecipients() << " recipient(s)\n";
+    return kSuccess;
+}
+
+int RunHandOff(std::vector<std::string>& args, std::ostream&, std::ostream& err)
+{
+    bool missing = false;
+    MailOptions o;
+    TakeMailOptions(args, o, missing);
+    const auto command = TakeOption(args, "--command", missing);
+    const bool dialog = TakeFlag(args, "--dialog");
+    if (missing)
+        return UsageError(kMail, err, "an option is missing its value");
+    if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
+        return UsageError(kMail, err, "unknown option " + unknown);
+    if (!args.empty())
+        return UsageError(kMail, err, "unexpected argument " + args[0]);
+    if (o.from || o.replyTo || o.mailer)
+        return UsageError(kMail, err, "the mail client chooses the sender: no --from, --reply-to or --mailer");
+    std::string body;
+    if (const int status = BodyText(o, false, body, err, "handoff"); status != kSuccess)
+        return status;
+
+    std::vector<NyrMailHelper::MAIL_ADDRESS> lists[3];
+    const std::vector<std::string>* given[3] = {&o.to, &o.cc, &o.bcc};
+    for (int i = 0; i < 3; ++i)
+        for (const auto& text : *given[i])
+            lists[i].push_back(Message::MailAddressFromString(text.c_str()));
+
+    CNyrMapiSendMail mapi;
+    if (command)
+        mapi.Command(*command);
+    if (!mapi.Available()) {
+        err << "nyr mail handoff: " << mapi.Command() << " was not found\n";
+        return kFailure;
+    }
+    const int done = mapi.Send(&lists[0], &lists[1], &lists[2], o.subject ? o.subject->c_str() : "", body.c_str(),
+                               o.attach.empty() ? nullptr : &o.attach, dialog ? CNyrMapiSendMail::MAPI_DIALOG : 0ul);
+    return done ? kSuccess : kFailure;  // the reason went to the message box (standard error here)
+}
+
+int RunMail(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    if (args.empty())
+        return UsageError(kMail, err, "expected compose, send or handoff");
+    const std::string form = args[0];
+    args.erase(args.begin());
+    if (form == "compose")
+        return RunCompose(args, out, err);
+    if (form == "send")
+        return RunSend(args, out, err);
+    if (form == "handoff")
+        return RunHandOff(args, out, err);
+    return UsageError(kMail, err, "unknown form " + form + " (compose, send or handoff)");
+}
+
+const Command kMail{
+    "mail", "compose a MIME message, send it over SMTP, or hand it to the mail client",
+    "Usage: nyr mail compose MESSAGE\n"
+    "       nyr mail send --server HOST [--port P] [--starttls | --tls] [--ca-file PEM]\n"
+    "                     [--user NAME --password-file FILE] [--timeout SECONDS] MESSAGE\n"
+    "       nyr mail handoff [--to A]... [--cc A]... [--bcc A]... [--subject S]\n"
+    "                        [--body TEXT | --body-file FILE] [--attach FILE]...\n"
+    "                        [--command CMD] [--dialog]\n\n"
+    "MESSAGE: --from A --to A [--to A]... [--cc A]... [--bcc A]... [--reply-to A]\n"
+    "         --subject S (--body TEXT | --body-file FILE) [--attach FILE]... [--mailer NAME]\n"
+    "An address A is \"name <address>\" or a bare address. The body becomes a\n"
+    "UTF-8 text part (\"\\n\" line ends become \"\\r\\n\"); each --attach a Base64 part.\n\n"
+    "compose prints the message as it would be sent (header, blank line, body).\n"
+    "send delivers it over SMTP: port 25, or 587 with --starttls, 465 with --tls;\n"
+    "certificates are verified (--ca-file trusts more); the password is the\n"
+    "first line of FILE and is sent over TLS only. --timeout replaces every\n"
+    "time-out (defaults: RFC 5321, up to 10 minutes). A refused recipient does\n"
+    "not stop the message: it is reported as a warning.\n"
+    "handoff gives the mail to the user's mail client through xdg-email (or\n"
+    "CMD); --dialog disables the application while the client runs.\n",
+    RunMail};
+NYR_REGISTER_COMMAND(kMail)
+
+}  // namespace

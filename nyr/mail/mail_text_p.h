@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Text helpers shared by the mail classes.
+namespace NyrMailText {
+
+// `text` with CR and LF written as blanks: a header value that cannot start a
+// header line of its own.
+std::string HeaderValue(std::string_view text);
+
+// True when `text` holds an ASCII control character (0x00-0x1F or 0x7F).
+bool HasControlCharacter(std::string_view text);
+
+// The base name and extension of a POSIX path: what follows the last '/'.
+std::string FileName(std::string_view path);
+
+// The current UTC time as a mail Date value, "%a, %d %b %y %H:%M:%S GMT" with
+// English names ("Tue, 05 Mar 24 14:03:09 GMT"). The two-digit year is intended.
+std::string CurrentDate();
+
+}  // namespace NyrMailText

@@ -1,0 +1,185 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "nyr/platform/export.h"
+
+class CNyrMailMessage;
+class CNyrSmtpChannel;
+
+// A synchronous SMTP client: sends messages built with CNyrMailMessage or
+// CNyrMailMessageMimeContainer over one TCP connection (IPv4 or IPv6).
+// Every call blocks its caller for the length of the dialogue; one object is
+// used by one thread at a time. Copying is not allowed.
+//
+// Calling order: Connect, any number of SendMailMessage, Disconnect.
+// Operations return 1 on success and 0 on failure; the reason is then in
+// GetLastError() as "<code>:<text>", the server's reply code (0 for a local
+// failure) and a text of the library's text table, as "550:SMTP server
+// error." or "0:Socket error.". The text is never reset by a success, so
+// after a successful send it may still tell of a refused recipient.
+//
+// The plain dialogue (SECURITY_NONE) is:
+//   greeting 220, "HELO <host name>" 250,
+//   per message "MAIL From: <sender>" 250, "RCPT TO: <address>" 250 for each
+//   To, Cc and Bcc recipient, "DATA" 354, header, blank line, body, ".", 250,
+//   finally "QUIT" 221.
+// Each reply is read with a single receive of at most 1024 bytes, and only its
+// first three characters count: a reply split over packets or a multi-line
+// reply is not collected further (intended; such a server fails the
+// dialogue, and so does a reply shorter than three digits). A refused
+// recipient does not stop the message (intended leniency: the call can
+// succeed with the refusal in GetLastError()). A failed message leaves the
+// connection as the server has it; no RSET is sent.
+//
+// Opt-in extensions for submission servers, see Security() and
+// Credentials(): STARTTLS or implicit TLS, and AUTH PLAIN or LOGIN. They use
+// EHLO instead of HELO and read every reply whole (multi-line replies up to
+// 64 KiB); the rest of the dialogue is the same.
+//
+// Socket failures map errno to the socket error texts:
+//   ENETDOWN, ENETUNREACH, EHOSTUNREACH  "Network subsystem failed."
+//   ENOTCONN                              "Socket is not connected."
+//   EINPROGRESS, EALREADY                 "Blocking Windows sockets operation is in progress."
+//   ENOTSOCK, EBADF                       "The descriptor is not a socket."
+//   EOPNOTSUPP                            "Socket is not of type SOCK_STREAM."
+//   ESHUTDOWN                             "Socket has been shut down."
+//   EAGAIN                                "Socket is marked as nonblocking and Receive operation would block"
+//   EMSGSIZE (a reply over 64 KiB)        "The datagram was too large to fit into the specified buffer and was truncated."
+//   EINVAL                                "Socket has not been bound with Bind."
+//   ECONNABORTED, ETIMEDOUT (time-outs)   "Virtual circuit was aborted due to timeout or other failure."
+//   ECONNRESET, EPIPE                     "Virtual circuit was reset by the remote side."
+//   anything else                         "Socket error."
+// (EPIPE on a TCP socket means the server has reset the connection.) A server
+// that closes the connection instead of replying gives an empty reply, which
+// fails like any wrong reply: "0:SMTP server error." and the like.
+class NYR_EXPORT CNyrSmtp
+{
+public:
+    // How the connection is protected. SECURITY_STARTTLS upgrades after the
+    // greeting and fails when the server does not offer STARTTLS: it never
+    // goes on in plain text. SECURITY_TLS speaks TLS from the first byte
+    // (port 465). The server's certificate is always verified: against the
+    // system's trusted roots, plus TrustedCertificates() when set, and for
+    // the server name (or address) given.
+    enum eSecurity
+    {
+        SECURITY_NONE = 0,
+        SECURITY_STARTTLS = 1,
+        SECURITY_TLS = 2,
+    };
+
+    // Time-outs in milliseconds (0: wait without limit). The defaults are
+    // those of RFC 5321 4.5.3.2, so a silent server never holds the caller
+    // for ever.
+    struct TIMEOUTS
+    {
+        unsigned connect = 5 * 60000;    // TCP connection (all addresses) and each TLS handshake
+        unsigned greeting = 5 * 60000;   // the 220 greeting
+        unsigned command = 5 * 60000;    // replies to HELO/EHLO, MAIL, RCPT, STARTTLS, AUTH, QUIT
+        unsigned dataStart = 2 * 60000;  // the 354 reply to DATA
+        unsigned dataBlock = 3 * 60000;  // each wait for the server to take more message data
+        unsigned dataEnd = 10 * 60000;   // the reply after the final "."
+    };
+
+    // Stores server (host name or address literal) and port; not connected,
+    // last error "OK".
+    explicit CNyrSmtp(std::string server = {}, unsigned port = 25);
+    // Disconnects (QUIT) when connected.
+    virtual ~CNyrSmtp();
+    CNyrSmtp(const CNyrSmtp&) = delete;
+    CNyrSmtp& operator=(const CNyrSmtp&) = delete;
+
+    // Connects and greets the server; 1 at once when already connected.
+    // Failures: empty server name, no socket, no connection, no 220 greeting
+    // ("0:Server didn't respond." whatever the reason), a refused HELO/EHLO;
+    // with the extensions also a failed TLS handshake or verification, a
+    // missing STARTTLS, a refused login.
+    virtual int Connect();
+    // Sends QUIT and closes. Always ends not connected; returns whether the
+    // server answered 221 (1 when it was not connected).
+    virtual int Disconnect();
+    // Sends one message (the busy cursor shows meanwhile). Fails when not
+    // connected, and as TransmitMailMessage.
+    virtual int SendMailMessage(CNyrMailMessage* message);
+
+    virtual std::string Server() const;
+    // Changes the server or port only while not connected: 1, else 0.
+    virtual int Server(const std::string& server);
+    virtual unsigned Port() const;
+    virtual int Port(unsigned port);
+    virtual int Connected() const;
+    virtual std::string GetLastError() const;
+
+    // The extensions' settings; like Server() they change only while not
+    // connected (1), else return 0.
+    eSecurity Security() const;
+    int Security(eSecurity security);
+    // A PEM file of further certificates to trust (a private CA, or a
+    // server's self-signed certificate); empty for the system's roots only.
+    std::string TrustedCertificates() const;
+    int TrustedCertificates(const std::string& pemFile);
+    // Log in after the (secured) greeting: AUTH PLAIN when the server offers
+    // it, else AUTH LOGIN. An empty user switches login off. Credentials are
+    // sent over TLS only: with SECURITY_NONE, Connect refuses to start.
+    int Credentials(const std::string& user, const std::string& password);
+    TIMEOUTS Timeouts() const;
+    int Timeouts(const TIMEOUTS& timeouts);
+
+protected:
+    struct RESPONSE_CODE
+    {
+        unsigned code;    // the reply code expected
+        unsigned textId;  // the message when the reply differs
+    };
+    // 0: 250 "SMTP server error.", 1: 220 "SMTP server not available.",
+    // 2: 354 "SMTP server not ready for data.", 3: 221 "SMTP server didn't terminate session."
+    static const RESPONSE_CODE s_ResponseTable[4];
+
+    // Hooks on the text sent: the header unchanged here; the body made to end
+    // in "\r\n" and dot-stuffed. Return 1.
+    virtual int PrepareHeader(std::string& header);
+    // Dot-stuffing as this client has always done it: only lines that are a
+    // single "." are doubled (a leading ".\r\n" and every "\r\n.\r\n"); a line
+    // starting with "." and more text goes unchanged (intended).
+    virtual int PrepareBody(std::string& body);
+    // The MAIL/RCPT/DATA transaction. Fails (0) for a null message (last
+    // error unchanged), when not connected, without a sender, without any
+    // recipient (Bcc alone will do), when the sender's or a recipient's
+    // address holds a control character (nothing is sent then), when MAIL,
+    // DATA or the final "." are refused, or when the connection fails.
+    virtual int TransmitMailMessage(CNyrMailMessage* message);
+    // Reads one reply and compares its code with s_ResponseTable[index]: 1
+    // when equal; else 0 with the last error set from the table (or from the
+    // socket failure, with code 0).
+    virtual int GetResponse(unsigned index);
+    // Sets the last error to "<code>:<text textId>".
+    virtual void SetError(unsigned textId, unsigned code);
+
+private:
+    int Await(unsigned index, unsigned timeoutMs);
+    bool ReadReply(std::string& reply);
+    bool SendCommand(const std::string& command);
+    void SetSocketError(int error);
+    bool SecureChannel();
+    bool Hello(std::string& reply);
+    bool StartTls();
+    bool LogIn(const std::string& ehloReply);
+    bool Expect(unsigned code, unsigned textId, const std::string& command);
+    void Abort();
+
+    std::string m_server;
+    unsigned m_port;
+    int m_connected = 0;
+    std::string m_lastError = "OK";
+    std::unique_ptr<CNyrSmtpChannel> m_socket;
+
+    eSecurity m_security = SECURITY_NONE;
+    std::string m_trustFile;
+    std::string m_user;
+    std::string m_password;
+    TIMEOUTS m_timeouts;
+    unsigned m_waitMs = 0;  // time-out of the reply GetResponse reads next
+    std::string m_pending;  // received bytes after the last whole reply (extensions only)
+};

@@ -1,0 +1,357 @@
+#include "nyr/mail/smtp_channel_p.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <openssl/err.h>
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Milliseconds left until `deadline` for poll(): -1 without a limit.
+int Remaining(Clock::time_point deadline, bool limited)
+{
+    if (!limited)
+        return -1;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    return left > 0 ? static_cast<int>(std::min<long long>(left, 1 << 30)) : 0;
+}
+
+// A socket BIO that sends with MSG_NOSIGNAL: OpenSSL's own writes with
+// write(), which raises SIGPIPE when the server has gone.
+int BioWrite(BIO* bio, const char* data, std::size_t length, std::size_t* written)
+{
+    BIO_clear_retry_flags(bio);
+    const int fd = static_cast<int>(reinterpret_cast<std::intptr_t>(BIO_get_data(bio)));
+    const ssize_t n = send(fd, data, length, MSG_NOSIGNAL);
+    if (n >= 0) {
+        *written = static_cast<std::size_t>(n);
+        return 1;
+    }
+    if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)
+        BIO_set_retry_write(bio);
+    return 0;
+}
+
+int BioRead(BIO* bio, char* data, std::size_t length, std::size_t* read)
+{
+    BIO_clear_retry_flags(bio);
+    const int fd = static_cast<int>(reinterpret_cast<std::intptr_t>(BIO_get_data(bio)));
+    const ssize_t n = recv(fd, data, length, 0);
+    if (n > 0) {
+        *read = static_cast<std::size_t>(n);
+        return 1;
+    }
+    if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR))
+        BIO_set_retry_read(bio);
+    return 0;
+}
+
+long BioCtrl(BIO*, int command, long, void*)
+{
+    return command == BIO_CTRL_FLUSH ? 1 : 0;
+}
+
+int BioCreate(BIO* bio)
+{
+    BIO_set_init(bio, 1);
+    return 1;
+}
+
+BIO_METHOD* SocketBioMethod()
+{
+    // Made once, kept for the process.
+    static BIO_METHOD* method = [] {
+        BIO_METHOD* m = BIO_meth_new(BIO_get_new_index() | BIO_TYPE_SOURCE_SINK, "nyr smtp socket");
+        BIO_meth_set_write_ex(m, BioWrite);
+        BIO_meth_set_read_ex(m, BioRead);
+        BIO_meth_set_ctrl(m, BioCtrl);
+        BIO_meth_set_create(m, BioCreate);
+        return m;
+    }();
+    return method;
+}
+
+bool IsAddressLiteral(const std::string& host)
+{
+    unsigned char buffer[sizeof(in6_addr)];
+    return inet_pton(AF_INET, host.c_str(), buffer) == 1 || inet_pton(AF_INET6, host.c_str(), buffer) == 1;
+}
+
+}  // namespace
+
+CNyrSmtpChannel::CNyrSmtpChannel() = default;
+
+CNyrSmtpChannel::~CNyrSmtpChannel()
+{
+    Close();
+}
+
+CNyrSmtpChannel::eOpen CNyrSmtpChannel::Open(const std::string& host, unsigned port, unsigned timeoutMs)
+{
+    Close();
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_protocol = IPPROTO_TCP;
+    addrinfo* found = nullptr;
+    const std::string service = std::to_string(port);
+    if (getaddrinfo(host.c_str(), service.c_str(), &hints, &found) != 0 || !found) {
+        errno = EHOSTUNREACH;
+        return OPEN_NO_CONNECT;
+    }
+    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    bool anySocket = false;
+    int error = ECONNREFUSED;
+    for (const addrinfo* a = found; a && m_fd < 0; a = a->ai_next) {
+        const int fd = socket(a->ai_family, a->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, a->ai_protocol);
+        if (fd < 0) {
+            error = errno;
+            continue;
+        }
+        anySocket = true;
+        if (connect(fd, a->ai_addr, a->ai_addrlen) != 0) {
+            if (errno != EINPROGRESS) {
+                error = errno;
+                close(fd);
+                continue;
+            }
+            pollfd p{fd, POLLOUT, 0};
+            int ready;
+            do
+                ready = poll(&p, 1, Remaining(deadline, timeoutMs != 0));
+            while (ready < 0 && errno == EINTR);
+            int status = ready > 0 ? 0 : ETIMEDOUT;
+            socklen_t length = sizeof status;
+            if (ready > 0 && getsockopt(fd, SOL_SOCKET, SO_ERROR, &status, &length) != 0)
+                status = errno;
+            if (status != 0) {
+                error = status;
+                close(fd);
+                continue;
+            }
+        }
+        // Commands and replies alternate: small writes must not wait for an ACK.
+        const int one = 1;
+        setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
+        m_fd = fd;
+    }
+    freeaddrinfo(found);
+    if (m_fd >= 0)
+        return OPEN_DONE;
+    errno = error;
+    return anySocket ? OPEN_NO_CONNECT : OPEN_NO_SOCKET;
+}
+
+CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const std::string& trustFile,
+                                                unsigned timeoutMs)
+{
+    if (m_fd < 0 || m_ssl) {
+        errno = ENOTCONN;
+        return TLS_FAILED;
+    }
+    m_ctx = SSL_CTX_new(TLS_client_method());
+    if (!m_ctx) {
+        errno = ENOMEM;
+        return TLS_FAILED;
+    }
+    SSL_CTX_set_min_proto_version(m_ctx, TLS1_2_VERSION);
+    // SMTP frames its own data: a peer that closes without close_notify is an
+    // end of stream, not an attack on the message.
+    SSL_CTX_set_options(m_ctx, SSL_OP_IGNORE_UNEXPECTED_EOF);
+    SSL_CTX_set_verify(m_ctx, SSL_VERIFY_PEER, nullptr);
+    bool trusted = SSL_CTX_set_default_verify_paths(m_ctx) == 1;
+    if (!trustFile.empty())
+        trusted = SSL_CTX_load_verify_locations(m_ctx, trustFile.c_str(), nullptr) == 1;
+    ERR_clear_error();
+    if (!trusted) {
+        errno = EINVAL;
+        return TLS_UNTRUSTED;  // a trust file that does not load trusts nothing
+    }
+
+    m_ssl = SSL_new(m_ctx);
+    BIO* bio = m_ssl ? BIO_new(SocketBioMethod()) : nullptr;
+    if (!bio) {
+        errno = ENOMEM;
+        return TLS_FAILED;
+    }
+    BIO_set_data(bio, reinterpret_cast<void*>(static_cast<std::intptr_t>(m_fd)));
+    SSL_set_bio(m_ssl, bio, bio);
+    if (IsAddressLiteral(host)) {
+        X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(m_ssl), host.c_str());
+    } else {
+        SSL_set_tlsext_host_name(m_ssl, host.c_str());
+        SSL_set1_host(m_ssl, host.c_str());
+    }
+
+    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    for (;;) {
+        errno = 0;
+        const int result = SSL_connect(m_ssl);
+        if (result == 1)
+            return TLS_DONE;
+        const int reason = SSL_get_error(m_ssl, result);
+        const short events = reason == SSL_ERROR_WANT_READ ? POLLIN : reason == SSL_ERROR_WANT_WRITE ? POLLOUT : 0;
+        if (events == 0 || !WaitUntil(events, deadline, timeoutMs != 0)) {
+            const bool untrusted = SSL_get_verify_result(m_ssl) != X509_V_OK;
+            ERR_clear_error();
+            if (events == 0 && errno == 0)
+                errno = ECONNABORTED;
+            return untrusted ? TLS_UNTRUSTED : TLS_FAILED;
+        }
+    }
+}
+
+bool CNyrSmtpChannel::WaitUntil(short events, std::chrono::steady_clock::time_point deadline, bool limited)
+{
+    pollfd p{m_fd, events, 0};
+    for (;;) {
+        const int ready = poll(&p, 1, Remaining(deadline, limited));
+        if (ready > 0)
+            return true;  // ready, or an error that the next call reports
+        if (ready == 0) {
+            errno = ETIMEDOUT;
+            return false;
+        }
+        if (errno != EINTR)
+            return false;
+    }
+}
+
+long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, unsigned timeoutMs)
+{
+    if (m_fd < 0) {
+        errno = ENOTCONN;
+        return -1;
+    }
+    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    for (;;) {
+        short events = POLLIN;
+        if (m_ssl) {
+            ERR_clear_error();
+            errno = 0;
+            const int n = SSL_read(m_ssl, buffer, static_cast<int>(std::min<std::size_t>(size, 1 << 30)));
+            if (n > 0)
+                return n;
+            switch (SSL_get_error(m_ssl, n)) {
+            case SSL_ERROR_ZERO_RETURN: return 0;
+            case SSL_ERROR_WANT_READ: break;
+            case SSL_ERROR_WANT_WRITE: events = POLLOUT; break;
+            case SSL_ERROR_SYSCALL:
+                if (errno == 0)
+                    return 0;
+                return -1;
+            default:
+                ERR_clear_error();
+                errno = ECONNABORTED;
+                return -1;
+            }
+        } else {
+            // A reply follows a command: waiting first saves a read that would find nothing.
+            if (!WaitUntil(POLLIN, deadline, timeoutMs != 0))
+                return -1;
+            const ssize_t n = recv(m_fd, buffer, size, 0);
+            if (n >= 0)
+                return n;
+            if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
+                return -1;
+            continue;
+        }
+        if (!WaitUntil(events, deadline, timeoutMs != 0))
+            return -1;
+    }
+}
+
+bool CNyrSmtpChannel::Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs)
+{
+    if (m_fd < 0) {
+        errno = ENOTCONN;
+        return false;
+    }
+    std::vector<std::string_view> rest;
+    for (const auto piece : pieces)
+        if (!piece.empty())
+            rest.push_back(piece);
+    std::size_t first = 0;  // rest[first] is the piece being sent
+    while (first < rest.size()) {
+        short events = POLLOUT;
+        if (m_ssl) {
+            ERR_clear_error();
+            errno = 0;
+            std::string_view& piece = rest[first];
+            const int n = SSL_write(m_ssl, piece.data(), static_cast<int>(std::min<std::size_t>(piece.size(), 1 << 20)));
+            if (n > 0) {
+                piece.remove_prefix(static_cast<std::size_t>(n));
+                first += piece.empty();
+                continue;
+            }
+            switch (SSL_get_error(m_ssl, n)) {
+            case SSL_ERROR_WANT_WRITE: break;
+            case SSL_ERROR_WANT_READ: events = POLLIN; break;
+            case SSL_ERROR_SYSCALL:
+                if (errno == 0)
+                    errno = EPIPE;
+                return false;
+            default:
+                ERR_clear_error();
+                errno = ECONNABORTED;
+                return false;
+            }
+        } else {
+            // All pieces in one call: the message data goes out without waiting between its parts.
+            iovec vectors[8];
+            msghdr message{};
+            message.msg_iov = vectors;
+            for (std::size_t i = first; i < rest.size() && message.msg_iovlen < std::size(vectors); ++i)
+                vectors[message.msg_iovlen++] = {const_cast<char*>(rest[i].data()), rest[i].size()};
+            ssize_t n = sendmsg(m_fd, &message, MSG_NOSIGNAL);
+            if (n >= 0) {
+                for (auto left = static_cast<std::size_t>(n); left > 0 && first < rest.size();) {
+                    const std::size_t take = std::min(left, rest[first].size());
+                    rest[first].remove_prefix(take);
+                    left -= take;
+                    first += rest[first].empty();
+                }
+                continue;
+            }
+            if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
+                return false;
+        }
+        // The time-out counts from the last progress: a stalled peer fails, a slow one does not.
+        if (!WaitUntil(events, Clock::now() + std::chrono::milliseconds(timeoutMs), timeoutMs != 0))
+            return false;
+    }
+    return true;
+}
+
+void CNyrSmtpChannel::Close()
+{
+    if (m_ssl) {
+        // One attempt at close_notify; a server that does not read it is not waited for.
+        SSL_shutdown(m_ssl);
+        SSL_free(m_ssl);  // frees the BIO too
+        m_ssl = nullptr;
+        ERR_clear_error();
+    }
+    if (m_ctx) {
+        SSL_CTX_free(m_ctx);
+        m_ctx = nullptr;
+    }
+    if (m_fd >= 0) {
+        close(m_fd);
+        m_fd = -1;
+    }
+}

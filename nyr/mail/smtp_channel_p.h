@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+// The byte stream under CNyrSmtp: a TCP connection over IPv4 or IPv6 that
+// can be switched to TLS. The socket is non-blocking inside; every call
+// waits at most its time-out (milliseconds, 0: no limit). Failures leave an
+// errno value in errno: ETIMEDOUT when the time-out ran out. SIGPIPE is
+// never raised, with or without TLS.
+class CNyrSmtpChannel
+{
+public:
+    CNyrSmtpChannel();
+    ~CNyrSmtpChannel();
+    CNyrSmtpChannel(const CNyrSmtpChannel&) = delete;
+    CNyrSmtpChannel& operator=(const CNyrSmtpChannel&) = delete;
+
+    enum eOpen
+    {
+        OPEN_DONE,
+        OPEN_NO_SOCKET,   // no socket could be created for any address
+        OPEN_NO_CONNECT,  // the name did not resolve, or no address took the connection in time
+    };
+    // Resolves `host` (name or address literal) and connects to the first
+    // address that answers within the time-out, which spans all addresses.
+    eOpen Open(const std::string& host, unsigned port, unsigned timeoutMs);
+
+    enum eTls
+    {
+        TLS_DONE,
+        TLS_FAILED,     // handshake failed or timed out
+        TLS_UNTRUSTED,  // the server's certificate chain or name did not verify
+    };
+    // Runs a TLS (1.2 or later) client handshake on the open connection. The
+    // certificate must chain to the system's trusted roots or to the PEM
+    // certificates in `trustFile` (when not empty) and name `host` (a DNS name
+    // or an IP address literal).
+    eTls StartTls(const std::string& host, const std::string& trustFile, unsigned timeoutMs);
+
+    // One receive of at most `size` bytes: their number, 0 at the end of the
+    // stream, -1 on failure.
+    long Receive(char* buffer, std::size_t size, unsigned timeoutMs);
+
+    // Sends all of the pieces, in order and as one stream (empty ones are
+    // skipped). The time-out applies to each wait for the peer to take more:
+    // a stalled peer fails, a slow one does not.
+    bool Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs);
+
+    bool IsOpen() const { return m_fd >= 0; }
+    bool IsSecure() const { return m_ssl != nullptr; }
+    void Close();
+
+private:
+    // Waits for `events`; false with errno ETIMEDOUT once `deadline` passed (when `limited`).
+    bool WaitUntil(short events, std::chrono::steady_clock::time_point deadline, bool limited);
+
+    int m_fd = -1;
+    struct ssl_ctx_st* m_ctx = nullptr;
+    struct ssl_st* m_ssl = nullptr;
+};

@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include "cli_test_p.h"
+#include "tests/nyr/mail/smtp_test_server.h"
+
+namespace {
+
+using nyr::test::TempDir;
+using nyr::test::WriteFile;
+
+TEST(CliMail, ComposePrintsTheMessageAsItWouldBeSent)
+{
+    TempDir dir;
+    WriteFile(dir.File("points.csv"), "P1,1,2\n");
+    const auto r = Nyr({"mail", "compose", "--from", "Ann <ann@example.org>", "--to", "bob@example.org", "--bcc",
+                        "eve@example.org", "--subject", "Points", "--body", "Two lines\nof text = fine",
+                        "--attach", dir.File("points.csv")});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const std::string out = r.out.substr(r.out.find("\r\n") + 2);  // after the Date
+    EXPECT_EQ(out.substr(0, out.find("\r\n\r\n") + 4),
+              "From: \"Ann\" <ann@example.org>\r\n"
+              "To: \" \" <bob@example.org>\r\n"
+              "X-Mailer: NyrMail\r\n"
+              "Subject: Points\r\n"
+              "MIME-Version: 1.0\r\n"
+              "Content-Type: multipart/mixed;\r\n"
+              "\tboundary=_NextPart_CNyrMail_1dE8e48F60beBCECoestrsf\r\n\r\n");
+    EXPECT_NE(out.find("charset=\"utf-8\"\r\nContent-transfer-encoding: quoted-printable\r\n\r\n"
+                       "Two lines\r\nof text =3D fine\r\n--"),
+              std::string::npos);
+    EXPECT_NE(out.find("filename=\"points.csv\"\r\nContent-transfer-encoding: Base64\r\n\r\nUDEsMSwyCg==\r\n--"),
+              std::string::npos);
+}
+
+TEST(CliMail, BadInputIsRefusedWithItsReason)
+{
+    const struct
+    {
+        std::vector<std::string> args;
+        int exitCode;
+        const char* err;
+    } cases[] = {
+        {{"mail", "compose", "--from", "a@x", "--subject", "s", "--body", "b"}, 2, "needs a recipient"},
+        {{"mail", "compose", "--from", "a@x", "--to", "b@x", "--subject", "s"}, 2, "needs --body or --body-file"},
+        {{"mail", "compose", "--from", "a@x", "--to", "b @x", "--subject", "s", "--body", "b"}, 1,
+         "not a valid mail address: b @x"},
+        {{"mail", "compose", "--from", "a@x", "--to", "b@x", "--subject", "s", "--body", "b", "--attach",
+          "/nonexistent/file"},
+         1, "cannot read /nonexistent/file"},
+        {{"mail", "send", "--server", "h", "--user", "u", "--from", "a@x", "--to", "b@x", "--subject", "s", "--body",
+          "b"},
+         2, "--user and --password-file go together"},
+        {{"mail", "handoff", "--to", "b@x", "--command", "nyr-no-such-mail-command"}, 1,
+         "nyr-no-such-mail-command was not found"},
+        {{"mail", "handoff", "--to", "b@x", "--command", "/bin/false"}, 1,
+         "The mail client hand-off command does not work."},
+    };
+    for (const auto& c : cases) {
+        const auto r = Nyr(c.args);
+        EXPECT_EQ(r.exitCode, c.exitCode) << c.args.back() << "\n" << r.err;
+        EXPECT_NE(r.err.find(c.err), std::string::npos) << r.err;
+    }
+}
+
+TEST(CliMail, SendDeliversToARealServerAndReportsFailures)
+{
+    nyr::test::SmtpTestServer server;
+    ASSERT_NE(server.Port(), 0u);
+    const auto r = Nyr({"mail", "send", "--server", "127.0.0.1", "--port", std::to_string(server.Port()), "--from",
+                        "ann@example.org", "--to", "bob@example.org", "--cc", "carl@example.org", "--subject",
+                        "From the tool", "--body", "Hello\n.\nBye\n"});
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.out, "sent to 2 recipient(s)\n");
+    const auto mails = server.Messages(1);
+    ASSERT_EQ(mails.size(), 1u);
+    EXPECT_NE(mails[0].data.find("Subject: From the tool\r\n"), std::string::npos);
+    EXPECT_NE(mails[0].data.find("\r\n\r\nHello\r\n.\r\nBye\r\n"), std::string::npos);
+    EXPECT_NE(mails[0].envelope.find(R"("to": ["bob@example.org", "carl@example.org"])"), std::string::npos);
+
+    const auto refused = Nyr({"mail", "send", "--server", "127.0.0.1", "--port", std::to_string(server.Port()),
+                              "--starttls", "--from", "a@x", "--to", "b@x", "--subject", "s", "--body", "b"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_EQ(refused.err, "nyr mail send: 0:The SMTP server does not offer STARTTLS.\n");
+}
+
+TEST(CliMail, HandOffRunsTheCommandWithTheMail)
+{
+    // /bin/true stands in for xdg-email: it answers --version and takes the mail.
+    const auto r = Nyr({"mail", "handoff", "--to", "bob@example.org", "--subject", "s", "--body", "text",
+                        "--command", "/bin/true"});
+    EXPECT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+}
+
+}  // namespace

@@ -1,0 +1,304 @@
+// CNyrSmtp against scripted servers: the faults a real server will not
+// produce, each ending with its documented result and text, none hanging.
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "nyr/mail/mail_message.h"
+#include "nyr/mail/smtp.h"
+#include "tests/nyr/mail/smtp_test_server.h"
+
+namespace {
+
+using nyr::test::ScriptedSmtpServer;
+using Connection = ScriptedSmtpServer::Connection;
+
+// Answers the greeting and HELO, then each command with reply(line) until
+// QUIT or the end of the connection, logging the commands and DATA sections.
+// An empty reply answers like a willing server; "silence" answers nothing
+// until the client closes, "close" closes at once.
+void Serve(Connection& c, std::vector<std::string>* log = nullptr,
+           const std::function<std::string(const std::string&)>& reply = nullptr)
+{
+    if (!c.Send("220 scripted ready\r\n") || c.ReadLine().rfind("HELO ", 0) != 0 || !c.Send("250 scripted\r\n"))
+        return;
+    for (std::string line; !(line = c.ReadLine()).empty();) {
+        if (log)
+            log->push_back(line);
+        std::string answer = reply ? reply(line) : "";
+        if (answer.empty())
+            answer = line.rfind("DATA", 0) == 0 ? "354 go" : line.rfind("QUIT", 0) == 0 ? "221 bye" : "250 ok";
+        if (answer == "silence")
+            c.WaitClosed();
+        if (answer == "silence" || answer == "close")
+            return;
+        c.Send(answer + "\r\n");
+        if (answer.rfind("354", 0) == 0) {
+            const std::string data = c.ReadUntil("\r\n.\r\n");
+            if (log)
+                log->push_back(data);
+            c.Send("250 queued\r\n");
+        }
+    }
+}
+
+// Sends script[0] on connect and each further text after a line from the
+// client, then waits for the client to close.
+void Play(Connection& c, const std::vector<std::string>& script)
+{
+    for (std::size_t i = 0; i < script.size(); ++i)
+        if ((i > 0 && c.ReadLine().empty()) || !c.Send(script[i]))
+            return;
+    c.WaitClosed();
+}
+
+CNyrSmtp::TIMEOUTS Short()
+{
+    const unsigned ms = 300;
+    return {ms, ms, ms, ms, ms, ms};
+}
+
+CNyrMailMessage SimpleMessage(const std::string& body = "hello\r\n")
+{
+    CNyrMailMessage m;
+    m.From("ann@example.org");
+    m.AddRecipient("bob@example.org", CNyrMailMessage::TO);
+    m.Body(body.c_str());
+    return m;
+}
+
+TEST(SmtpFaults, ARefusedRecipientDoesNotStopTheMessage)
+{
+    std::vector<std::string> log;
+    ScriptedSmtpServer server([&log](Connection& c) {
+        Serve(c, &log, [](const std::string& line) -> std::string {
+            return line.find("carl") != std::string::npos ? "550 no such user"
+                   : line == "QUIT\r\n"                    ? "421 closing"
+                                                           : "";
+        });
+    });
+    CNyrMailMessage m = SimpleMessage("a\r\n.\r\nb");
+    m.AddRecipient("carl@example.org", CNyrMailMessage::CC);
+    m.AddRecipient("dora@example.org", CNyrMailMessage::BCC);
+    CNyrSmtp smtp("127.0.0.1", server.Port());
+    ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.SendMailMessage(&m), 1);
+    EXPECT_EQ(smtp.GetLastError(), "550:SMTP server error.");  // although the final reply was 250
+    EXPECT_EQ(smtp.Disconnect(), 0);
+    EXPECT_EQ(smtp.GetLastError(), "421:SMTP server didn't terminate session.");
+    EXPECT_EQ(smtp.Connected(), 0);
+    server.Join();
+
+    ASSERT_EQ(log.size(), 7u);
+    EXPECT_EQ(log[0] + log[1] + log[2] + log[3] + log[4], "MAIL From: <ann@example.org>\r\nRCPT TO: <bob@example.org>\r\n"
+                                                          "RCPT TO: <carl@example.org>\r\nRCPT TO: <dora@example.org>\r\n"
+                                                          "DATA\r\n");
+    // Only the lone dot is doubled; the body gets its line end; the blank line; the end.
+    EXPECT_EQ(log[5].substr(log[5].find("\r\n\r\n") + 4), "a\r\n..\r\nb\r\n\r\n.\r\n");
+}
+
+TEST(SmtpFaults, RepliesAreReadWithOneReceiveAndByTheirFirstThreeCharacters)
+{
+    const struct
+    {
+        std::vector<std::string> script;  // for Play
+        const char* error;
+    } cases[] = {
+        {{"554 no service\r\n"}, "0:Server didn't respond."},
+        {{"220 ready\r\n", "25"}, "25:SMTP server error."},  // "0 ok\r\n" would follow in another packet
+        // The greeting's first 1024 bytes read as 220; the HELO reply then
+        // reads the rest of that line, which holds no code.
+        {{"220 " + std::string(1 << 20, 'x') + "\r\n"}, "0:SMTP server error."},
+    };
+    for (const auto& c : cases) {
+        ScriptedSmtpServer server([&c](Connection& connection) { Play(connection, c.script); });
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), c.error);
+        EXPECT_EQ(smtp.Connected(), 0);
+    }
+}
+
+TEST(SmtpFaults, AServerThatResetsTheConnectionDuringData)
+{
+    ScriptedSmtpServer server([](Connection& c) {
+        Serve(c, nullptr, [&c](const std::string& line) -> std::string {
+            if (line != "DATA\r\n")
+                return "";
+            c.Send("354 go\r\n");
+            c.ReadLine();
+            c.Reset();
+            return "close";
+        });
+    });
+    std::string body;
+    while (body.size() < (16u << 20))
+        body += std::string(998, 'x') + "\r\n";
+    CNyrMailMessage m = SimpleMessage(body);
+    CNyrSmtp smtp("127.0.0.1", server.Port());
+    ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.SendMailMessage(&m), 0);
+    EXPECT_EQ(smtp.GetLastError(), "0:Virtual circuit was reset by the remote side.");
+    EXPECT_EQ(smtp.Connected(), 1);  // a failed message leaves the state as it is
+    EXPECT_EQ(smtp.Disconnect(), 0);
+    EXPECT_EQ(smtp.Connected(), 0);
+}
+
+TEST(SmtpFaults, ASilentServerTimesOutAtEveryStage)
+{
+    {  // no greeting
+        ScriptedSmtpServer server([](Connection& c) { c.WaitClosed(); });
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:Server didn't respond.");
+    }
+    const struct
+    {
+        const char* silentAfter;
+        std::size_t bodySize;
+    } stages[] = {{"MAIL", 10}, {"RCPT", 10}, {"DATA", 10}, {"", 32u << 20}};
+    for (const auto& stage : stages) {
+        // The last stage takes DATA, then no more data: the client's send stalls.
+        std::atomic<bool> done = false;
+        ScriptedSmtpServer server([&](Connection& c) {
+            Serve(c, nullptr, [&](const std::string& line) -> std::string {
+                if (*stage.silentAfter && line.rfind(stage.silentAfter, 0) == 0)
+                    return "silence";
+                if (!*stage.silentAfter && line == "DATA\r\n") {
+                    c.Send("354 go\r\n");
+                    for (int i = 0; i < 1000 && !done; ++i)  // 10 s at most
+                        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                    return "silence";
+                }
+                return "";
+            });
+        });
+        CNyrMailMessage m = SimpleMessage(std::string(stage.bodySize, 'x'));
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Timeouts(Short());
+        ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+        EXPECT_EQ(smtp.SendMailMessage(&m), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:Virtual circuit was aborted due to timeout or other failure.")
+            << stage.silentAfter;
+        done = true;
+    }
+}
+
+struct LaxMessage : CNyrMailMessage
+{
+    int CheckMailAddress(NyrMailHelper::MAIL_ADDRESS) const override { return 1; }
+};
+
+struct ExposedSmtp : CNyrSmtp
+{
+    using CNyrSmtp::CNyrSmtp;
+    using CNyrSmtp::PrepareBody;
+    using CNyrSmtp::TransmitMailMessage;
+};
+
+TEST(SmtpFaults, MessagesThatCannotBeSentAreRefusedBeforeAnyCommand)
+{
+    std::vector<std::string> log;
+    ScriptedSmtpServer server([&log](Connection& c) {
+        Serve(c, &log, [](const std::string& line) { return line == "DATA\r\n" ? "451 try later" : ""; });
+    });
+    ExposedSmtp smtp("127.0.0.1", server.Port());
+    CNyrMailMessage unsent = SimpleMessage();
+    EXPECT_EQ(smtp.SendMailMessage(&unsent), 0);
+    EXPECT_EQ(smtp.GetLastError(), "0:Must be connected to SMTP server.");
+    ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.TransmitMailMessage(nullptr), 0);
+    EXPECT_EQ(smtp.GetLastError(), "0:Must be connected to SMTP server.");  // unchanged
+
+    CNyrMailMessage noSender, noRecipient, injectedSender = SimpleMessage(), refusedData = SimpleMessage();
+    noSender.AddRecipient("bob@example.org", CNyrMailMessage::TO);
+    noRecipient.From("ann@example.org");
+    injectedSender.From(NyrMailHelper::MAIL_ADDRESS{"", "ann@example.org>\r\nRCPT TO:<spy@example.net"});
+    LaxMessage injectedRecipient;
+    injectedRecipient.From("ann@example.org");
+    injectedRecipient.AddRecipient("bob@example.org", CNyrMailMessage::TO);
+    ASSERT_EQ(injectedRecipient.AddRecipient("carl@example.org>\r\nDATA", CNyrMailMessage::BCC), 1);
+    const std::pair<CNyrMailMessage*, const char*> cases[] = {
+        {&noSender, "0:No sender (FROM) given."},
+        {&noRecipient, "0:No Recipient (TO) given."},
+        {&injectedSender, "0:Mail address contains a control character."},
+        {&injectedRecipient, "0:Mail address contains a control character."},
+        {&refusedData, "451:SMTP server not ready for data."},
+    };
+    for (const auto& [message, error] : cases) {
+        EXPECT_EQ(smtp.SendMailMessage(message), 0);
+        EXPECT_EQ(smtp.GetLastError(), error);
+    }
+    EXPECT_EQ(smtp.Disconnect(), 1);
+    server.Join();
+    EXPECT_EQ(log, (std::vector<std::string>{"MAIL From: <ann@example.org>\r\n", "RCPT TO: <bob@example.org>\r\n",
+                                              "DATA\r\n", "QUIT\r\n"}));
+}
+
+TEST(SmtpFaults, ConnectFailuresAndIpv6)
+{
+    CNyrSmtp noName("", 25);
+    EXPECT_EQ(noName.Connect(), 0);
+    EXPECT_EQ(noName.GetLastError(), "0:SMTP server name must not be empty.");
+
+    unsigned closedPort;
+    {
+        ScriptedSmtpServer gone([](Connection&) {});
+        closedPort = gone.Port();
+        CNyrSmtp once("127.0.0.1", closedPort);
+        once.Connect();  // takes the one connection, so the port closes
+    }
+    CNyrSmtp refused("127.0.0.1", closedPort);
+    EXPECT_EQ(refused.Connect(), 0);
+    EXPECT_EQ(refused.GetLastError(), "0:Unable to connect to server.");
+
+    ScriptedSmtpServer server6([](Connection& c) { Serve(c); }, AF_INET6);
+    if (server6.Port() == 0)
+        GTEST_SKIP() << "no IPv6 loopback here";
+    CNyrSmtp smtp("::1", server6.Port());
+    EXPECT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.Disconnect(), 1);
+}
+
+TEST(SmtpFaults, SecureConnectionsRefuseWhatIsNotTls)
+{
+    const struct
+    {
+        CNyrSmtp::eSecurity security;
+        std::vector<std::string> script;  // for Play
+    } cases[] = {
+        {CNyrSmtp::SECURITY_TLS, {"220 plain text only\r\n"}},
+        // A reply planted behind the 220 to STARTTLS would be read as coming
+        // over TLS: the upgrade is refused.
+        {CNyrSmtp::SECURITY_STARTTLS, {"220 ready\r\n", "250-scripted\r\n250 STARTTLS\r\n",
+                                       "220 go ahead\r\n250 planted\r\n"}},
+    };
+    for (const auto& c : cases) {
+        ScriptedSmtpServer server([&c](Connection& connection) { Play(connection, c.script); });
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Security(c.security);
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:The secure connection to the SMTP server failed.");
+    }
+}
+
+TEST(SmtpFaults, PrepareBodyDoublesLoneDotsOnlyAndEndsTheBodyWithALineEnd)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {".", "..\r\n"},  // the line end comes first, then the lone dot is doubled
+        {"x\r\n.\r\n.\r\n", "x\r\n..\r\n..\r\n"},
+        {".x\r\n..\r\n", ".x\r\n..\r\n"},
+        {"", "\r\n"},
+        {"x\r", "x\r\r\n"},
+    };
+    ExposedSmtp smtp;
+    for (const auto& [in, out] : cases) {
+        std::string body = in;
+        EXPECT_EQ(smtp.PrepareBody(body), 1);
+        EXPECT_EQ(body, out) << in;
+    }
+}
+
+}  // namespace
