@@ -9,20 +9,74 @@
 // followed by "Entry=Value" lines, read and written with the classic
 // private-profile rules:
 //  - section and entry names compare case-insensitively (ASCII); the first
-//    matching section and the first matching entry in it win;
-//  - names and values are trimmed of blanks; one pair of matching enclosing
-//    quotes ("..." or '...') is removed from a value on reading; the value
-//    runs to the end of its line; values are cut to 4096 characters on reading;
-//  - writing keeps every other line as it was (comments, blank lines, order,
-//    lines it does not understand): it replaces the first matching entry, or
-//    appends the entry to the first matching section, or appends a section.
+//    matching section and the first matching entry in it win; entries of a
+//    later section with the same name are not seen;
+//  - names and values are trimmed of blanks (space, tab, CR, VT, FF); one pair
+//    of matching enclosing quotes ("..." or '...') is removed from a value on
+//    reading; the value runs to the end of its line (";" in it is text, not a
+//    comment); values are cut to 4096 characters on reading.
+//
+// Lines the reader meets:
+//  - "\n" and "\r\n" both end a line; a file may lack its final line break;
+//    a UTF-8 byte order mark at the start is ignored;
+//  - a line whose first non-blank character is "[" is a section header; its
+//    name runs to the first "]" (text after it is ignored) or, without "]",
+//    to the end of the line;
+//  - a line starting with ";" or "#" is a comment; a line without "=", or with
+//    nothing before it, is kept but means nothing; entries before the first
+//    section belong to no section and are never found;
+//  - any other byte (NUL included) is ordinary text; lines may be any length.
+//    Files larger than 64 MiB read as absent and are never rewritten.
+//
+// Writing keeps every other line byte for byte (comments, blank lines, order,
+// lines it does not understand, line-end style): it replaces the value of the
+// first matching entry (keeping the name as spelled in the file), or adds
+// "Entry=Value" after the last entry of the first matching section, or
+// appends a new section (after a blank line) at the end. A write is refused
+// with 0, leaving the file untouched, when it would change how other lines
+// read: a section name that is empty or holds "]", CR, LF or NUL; an entry
+// name that is empty, holds "=", CR, LF or NUL, or starts with "[", ";" or
+// "#"; a value holding CR, LF or NUL. Blanks around a value and one pair of
+// enclosing quotes do not survive a round trip (the reading rules drop them).
+//
+// Durability and sharing: a write takes an advisory lock (flock) on the file,
+// reads it as it is now, writes the new text to a temporary file in the same
+// folder and renames it over the file, so a crash or kill leaves the old or
+// the new file, never a mix, and processes writing different entries of one
+// file at the same time lose nothing. The file keeps its permissions; a
+// symbolic link stays a link to the rewritten file. Writes need a writable
+// folder and a writable file. No fsync: a write costs no disk flush, and the
+// rename still orders old before new on journalling file systems.
+//
+// Speed: parsed files are cached per process. A read is a hash look-up; the
+// file is checked (size, modification and change time, inode) at most every
+// 0.1 ms and parsed again only when it changed. This process's writes are
+// seen at once; another program's change is seen by reads starting 0.1 ms
+// after it.
 //
 // Value forms: integers as "%d"; texts as they are; integer vectors as each
 // element followed by ";" ("120;80;-1;"; an empty vector is an empty value).
 //
 // Reads fall back to the caller's default when the file, section or entry is
 // absent; writes return 1 on success and 0 on failure (a missing or
-// read-only folder, a name that would break the file format) and never throw.
+// read-only folder or file, a name or value refused above) and never throw.
+// Safe to call from any thread.
+// The host application's own profile store, reached by the host-application
+// variants of the integer-vector operations. Whether it keeps its strings in
+// a file or elsewhere is the host's choice. The widgets library implements it
+// over QSettings (CNyrSettingsProfile, nyrwidgets/frame/settings_profile.h).
+class NYR_EXPORT CNyrHostProfile
+{
+public:
+    virtual ~CNyrHostProfile();
+    // The stored text of `entry` in `section`, or `defaultValue` when absent.
+    virtual std::string GetProfileString(const std::string& section, const std::string& entry,
+                                         const std::string& defaultValue) = 0;
+    // Stores the text; non-zero on success.
+    virtual int WriteProfileString(const std::string& section, const std::string& entry,
+                                   const std::string& value) = 0;
+};
+
 class NYR_EXPORT CNyrProfileEntries
 {
 public:
@@ -66,12 +120,13 @@ public:
     static const char* FolderContentViewSortState();             // "FCV_SortState"
     static const char* FolderContentViewViewStyle();             // "FCV_ViewStyle"
 
-    // File-addressed operations; `file` is a full path.
+    // File-addressed operations; `file` is a full path. Writes do not create
+    // missing folders.
 
     // The entry read as a decimal integer (leading blanks, sign, digits; text
-    // after the digits is ignored, no digits read as 0); `defaultValue` when
-    // the entry is absent. Negative values come back as their unsigned form:
-    // cast to int.
+    // after the digits is ignored, no digits read as 0, values beyond the
+    // range of int are clamped to it); `defaultValue` when the entry is
+    // absent. Negative values come back as their unsigned form: cast to int.
     static unsigned int ReadProfileInt(const std::string& file, const std::string& section, const std::string& entry,
                                        int defaultValue);
     static int WriteProfileInt(const std::string& file, const std::string& section, const std::string& entry,
@@ -90,7 +145,15 @@ public:
     static int WriteProfileIntVector(const std::string& file, const std::string& section, const std::string& entry,
                                      const std::vector<int>& values);
 
+    // The integer-vector form read from and written to the host
+    // application's profile store instead of a file; same rules as above.
+    static void ReadProfileIntVector(CNyrHostProfile& host, const std::string& section, const std::string& entry,
+                                     std::vector<int>& values);
+    static int WriteProfileIntVector(CNyrHostProfile& host, const std::string& section, const std::string& entry,
+                                     const std::vector<int>& values);
+
     // The same on the library's own settings file, NyrGetProfilePath().
+    // Writes create the file's missing folders (mode 0700) first.
     static unsigned int ReadNyrProfileInt(const std::string& section, const std::string& entry, int defaultValue);
     static int WriteNyrProfileInt(const std::string& section, const std::string& entry, int value);
     static std::string ReadNyrProfileString(const std::string& section, const std::string& entry,
@@ -104,9 +167,11 @@ public:
 
 // Where the library's settings file lives. The default is
 // $XDG_CONFIG_HOME/Nyr240.INI ($HOME/.config when XDG_CONFIG_HOME is unset or
-// not absolute); the folder is created on the first write.
+// not absolute), decided by the first NyrGetProfilePath() and kept; the folder
+// is created on the first write. Set the path or prefix once at start-up,
+// before any setting is read.
 
-// Sets the path as it stands (no checking).
+// Sets the path as it stands (no checking); "" goes back to "not decided".
 NYR_EXPORT void NyrSetProfilePath(const std::string& path);
 // Sets the path to the default folder + prefix + "." + default file name:
 // "Survey" gives ".../Survey.Nyr240.INI". Always applied to the default path,

@@ -1,0 +1,248 @@
+#include "nyr/util/base64.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+// Two output characters for every 12-bit half of a group: one table look-up
+// and one 2-byte store per pair instead of four single-character look-ups.
+struct PairTable
+{
+    std::array<char, 2 * 4096> chars{};
+    constexpr PairTable()
+    {
+        for (int i = 0; i < 4096; ++i) {
+            chars[2 * i] = kAlphabet[i >> 6];
+            chars[2 * i + 1] = kAlphabet[i & 63];
+        }
+    }
+};
+constexpr PairTable kPairs;
+
+// Encodes `groups` complete groups of three bytes into 4 * groups characters.
+void EncodeGroups(const unsigned char* src, size_t groups, char* dst)
+{
+    for (size_t g = 0; g < groups; ++g, src += 3, dst += 4) {
+        const uint32_t v = uint32_t(src[0]) << 16 | uint32_t(src[1]) << 8 | src[2];
+        std::memcpy(dst, &kPairs.chars[2 * (v >> 12)], 2);
+        std::memcpy(dst + 2, &kPairs.chars[2 * (v & 0xFFF)], 2);
+    }
+}
+
+// The characters after the last complete group, including the effect of the
+// one extra zero byte that is always encoded after the input (intended: stored
+// data depends on it). `rest` is the number of input bytes left (0 to 2).
+// Returns the number of characters written (1 to 3).
+size_t EncodeTail(const unsigned char* src, size_t rest, char* dst)
+{
+    switch (rest) {
+    case 0:  // the zero byte opens a new group: one "A"
+        dst[0] = 'A';
+        return 1;
+    case 1:  // the zero byte in second position flushes the first byte's bits
+        dst[0] = kAlphabet[src[0] >> 2];
+        dst[1] = kAlphabet[(src[0] & 3) << 4];
+        return 2;
+    default:  // in third position it writes the flush character but not a fourth
+        dst[0] = kAlphabet[src[0] >> 2];
+        dst[1] = kAlphabet[(src[0] & 3) << 4 | src[1] >> 4];
+        dst[2] = kAlphabet[(src[1] & 15) << 2];
+        return 3;
+    }
+}
+
+// Decoder classes of a character: its 6-bit value, or one of these.
+constexpr unsigned char kSkip = 0x40;   // outside the alphabet: ignored
+constexpr unsigned char kStop = 0x80;   // "=" or the terminating zero
+constexpr unsigned char kBreak = 0xC0;  // CR or LF: a new group starts
+constexpr unsigned char kSpecial = 0xC0;
+
+struct DecodeTable
+{
+    std::array<unsigned char, 256> v{};
+    constexpr DecodeTable()
+    {
+        for (auto& c : v)
+            c = kSkip;
+        for (int i = 0; i < 64; ++i)
+            v[static_cast<unsigned char>(kAlphabet[i])] = static_cast<unsigned char>(i);
+        v[0] = kStop;
+        v['='] = kStop;
+        v['\r'] = kBreak;
+        v['\n'] = kBreak;
+    }
+};
+constexpr DecodeTable kDecode;
+
+}  // namespace
+
+std::string NyrEncodeBase64(const unsigned char* data, unsigned long length, unsigned lineLength)
+{
+    if (!data)
+        return {};
+    const size_t groups = length / 3;
+    const size_t rest = length % 3;
+    // The standard characters without padding, plus the extra zero byte's one.
+    const size_t dataChars = groups * 4 + rest + 1;
+    const size_t breaks = lineLength ? dataChars / lineLength : 0;
+    const size_t written = dataChars + 2 * breaks;
+    // Padding counts the line breaks too (intended), so it may differ from
+    // the plain rule when breaks were written.
+    const size_t padded = (written + 3) / 4 * 4;
+
+    try {
+        std::string out(padded, '=');
+        char* dst = out.data();
+        const unsigned char* tail = data + groups * 3;
+        if (lineLength == 0) {
+            EncodeGroups(data, groups, dst);
+            EncodeTail(tail, rest, dst + groups * 4);
+        } else if (lineLength % 4 == 0) {
+            // Lines hold whole groups: encode line by line straight into place.
+            const size_t perLine = lineLength / 4;
+            size_t g = 0;
+            for (; g + perLine <= groups; g += perLine) {
+                EncodeGroups(data + g * 3, perLine, dst);
+                dst += lineLength;
+                *dst++ = '\r';
+                *dst++ = '\n';
+            }
+            EncodeGroups(data + g * 3, groups - g, dst);
+            dst += (groups - g) * 4;
+            // Fewer than lineLength characters remain here (whole groups plus
+            // 1 to 3 tail characters), so no break follows them.
+            EncodeTail(tail, rest, dst);
+        } else {
+            // Breaks fall inside groups: encode the plain character run, then
+            // copy it out line by line.
+            std::string flat(dataChars, '\0');
+            EncodeGroups(data, groups, flat.data());
+            EncodeTail(tail, rest, flat.data() + groups * 4);
+            const char* src = flat.data();
+            for (size_t line = 0; line < breaks; ++line, src += lineLength) {
+                std::memcpy(dst, src, lineLength);
+                dst += lineLength;
+                *dst++ = '\r';
+                *dst++ = '\n';
+            }
+            std::memcpy(dst, src, dataChars - breaks * lineLength);
+        }
+        return out;
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+std::string NyrEncodeBase64(const std::string& path)
+{
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return {};
+    std::string content;
+    struct stat st{};
+    // Only regular files: a FIFO or device could block or never end.
+    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+    if (ok) {
+        try {
+            content.resize(static_cast<size_t>(st.st_size));
+            size_t have = 0;
+            for (;;) {
+                if (have == content.size())
+                    content.resize(have + 65536);  // the file grew since fstat
+                const ssize_t n = read(fd, content.data() + have, content.size() - have);
+                if (n < 0 && errno == EINTR)
+                    continue;
+                if (n < 0) {
+                    ok = false;
+                    break;
+                }
+                if (n == 0)
+                    break;
+                have += static_cast<size_t>(n);
+            }
+            content.resize(have);
+        } catch (const std::bad_alloc&) {
+            ok = false;
+        }
+    }
+    close(fd);
+    if (!ok)
+        return {};
+    // An empty file still has a (non-null) buffer and encodes as "A===".
+    return NyrEncodeBase64(reinterpret_cast<const unsigned char*>(content.data()), content.size(), 76);
+}
+
+unsigned long NyrDecodeBase64(unsigned char* text)
+{
+    if (!text)
+        return 0;
+    const unsigned char* in = text;
+    unsigned char* out = text;  // never ahead of `in`: 4 characters give at most 3 bytes
+    const auto& table = kDecode.v;
+    for (;;) {
+        // At the start of a group: four alphabet characters in a row. Each
+        // character is looked at only after the one before it was not the
+        // terminating zero, so nothing past it is ever read.
+        for (;;) {
+            const unsigned a = table[in[0]];
+            if (a & kSpecial)
+                break;
+            const unsigned b = table[in[1]];
+            if (b & kSpecial)
+                break;
+            const unsigned c = table[in[2]];
+            if (c & kSpecial)
+                break;
+            const unsigned d = table[in[3]];
+            if (d & kSpecial)
+                break;
+            const uint32_t v = a << 18 | b << 12 | c << 6 | d;
+            out[0] = static_cast<unsigned char>(v >> 16);
+            out[1] = static_cast<unsigned char>(v >> 8);
+            out[2] = static_cast<unsigned char>(v);
+            out += 3;
+            in += 4;
+        }
+        // One character at a time until a group starts again.
+        unsigned pos = 0;
+        unsigned held = 0;
+        do {
+            const unsigned v = table[*in++];
+            if (v == kStop) {
+                *out = 0;
+                return static_cast<unsigned long>(out - text);
+            }
+            if (v == kBreak) {
+                pos = 0;
+                continue;
+            }
+            if (v == kSkip)
+                continue;
+            switch (pos) {
+            case 0:
+                break;
+            case 1:
+                *out++ = static_cast<unsigned char>(held << 2 | v >> 4);
+                break;
+            case 2:
+                *out++ = static_cast<unsigned char>(held << 4 | v >> 2);
+                break;
+            default:
+                *out++ = static_cast<unsigned char>(held << 6 | v);
+                break;
+            }
+            held = v;
+            pos = (pos + 1) & 3;
+        } while (pos != 0);
+    }
+}

@@ -1,0 +1,211 @@
+#include "nyr/util/profile_entries.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <mutex>
+
+#include "nyr/util/profile_store_p.h"
+#include "nyr/util/profile_text_p.h"
+
+using nyr::detail::ReadProfileValue;
+using nyr::detail::WriteProfileValue;
+
+// ---- names ---------------------------------------------------------------
+
+const char* CNyrProfileEntries::TimeSection() { return "CNyrTime"; }
+const char* CNyrProfileEntries::TimeEntryFormatNumber() { return "Time Format (###)"; }
+const char* CNyrProfileEntries::TimeEntryFormatString() { return "Time Format (str)"; }
+const char* CNyrProfileEntries::LeapSecondsSection() { return "LeapSeconds"; }
+const char* CNyrProfileEntries::LeapSecondsEntry() { return "KnownLeapSeconds"; }
+const char* CNyrProfileEntries::LastDocumentsEntry() { return "Doc_"; }
+const char* CNyrProfileEntries::ListViewFindDialogSearchFromBeginning() { return "SearchFromBeginning"; }
+const char* CNyrProfileEntries::ListViewFindDialogMatchWord() { return "MatchWord"; }
+const char* CNyrProfileEntries::ListViewFindDialogMatchCase() { return "MatchCase"; }
+const char* CNyrProfileEntries::ListViewFindDialogSearchAll() { return "SearchAll"; }
+const char* CNyrProfileEntries::ListViewFindDialogSearchString() { return "SearchString"; }
+const char* CNyrProfileEntries::ListViewSaveAsDlgIncludeHeader() { return "IncludeHeader"; }
+const char* CNyrProfileEntries::ListViewSaveAsDlgSaveWhat() { return "SaveWhat"; }
+const char* CNyrProfileEntries::ReportViewColWidth() { return "ColWidth"; }
+const char* CNyrProfileEntries::ReportViewColOrder() { return "ColOrder"; }
+const char* CNyrProfileEntries::ReportViewSortState() { return "SortState"; }
+const char* CNyrProfileEntries::SplitterViewColSize() { return "ColSize"; }
+const char* CNyrProfileEntries::SplitterViewRowSize() { return "RowSize"; }
+const char* CNyrProfileEntries::SplitterViewWidthOriginalCur() { return "WidthOriginalCur"; }
+const char* CNyrProfileEntries::SplitterViewWidthOriginalMin() { return "WidthOriginalMin"; }
+const char* CNyrProfileEntries::SplitterViewCollapsed() { return "Collapsed"; }
+const char* CNyrProfileEntries::MessageBoxDialogSettings() { return "@NyrMessageBox/"; }
+const char* CNyrProfileEntries::MessageBoxDoNotPromptInFuture() { return "DoNotPromptInFuture"; }
+const char* CNyrProfileEntries::MessageBoxDefaultValue() { return "defaultvalue"; }
+const char* CNyrProfileEntries::UnitSettingsDistanceSection() { return "CNyrUnitSettingsDistance"; }
+const char* CNyrProfileEntries::UnitSettingsDistanceEntryFormatNumber() { return "UnitDistance Format (###)"; }
+const char* CNyrProfileEntries::UnitSettingsDistanceEntryFormatString() { return "UnitDistance Format (str)"; }
+const char* CNyrProfileEntries::UnitSettingsAngleSection() { return "CNyrUnitSettingsAngle"; }
+const char* CNyrProfileEntries::UnitSettingsAngleLatLonSection() { return "CNyrUnitSettingsAngleLatLon"; }
+const char* CNyrProfileEntries::UnitSettingsAngleEntryFormatNumber() { return "UnitAngle Format (###)"; }
+const char* CNyrProfileEntries::UnitSettingsAngleEntryFormatString() { return "UnitAngle Format (str)"; }
+const char* CNyrProfileEntries::SelectFilenameEntryWindowWidth() { return "Window Width"; }
+const char* CNyrProfileEntries::SelectFilenameEntryWindowHeight() { return "Window Height"; }
+const char* CNyrProfileEntries::SelectFilenameEntryLastFolder() { return "Last Folder"; }
+const char* CNyrProfileEntries::SelectFilenameEntryFileType() { return "FileType"; }
+const char* CNyrProfileEntries::FolderContentViewColWidth() { return "FCV_ColWidth"; }
+const char* CNyrProfileEntries::FolderContentViewSortState() { return "FCV_SortState"; }
+const char* CNyrProfileEntries::FolderContentViewViewStyle() { return "FCV_ViewStyle"; }
+
+// ---- file-addressed operations --------------------------------------------
+
+unsigned int CNyrProfileEntries::ReadProfileInt(const std::string& file, const std::string& section,
+                                                const std::string& entry, int defaultValue)
+{
+    int value = defaultValue;
+    ReadProfileValue(file, section, entry, [&](std::string_view text) { value = nyr::detail::ParseLeadingInt(text); });
+    return static_cast<unsigned int>(value);
+}
+
+int CNyrProfileEntries::WriteProfileInt(const std::string& file, const std::string& section,
+                                        const std::string& entry, int value)
+{
+    return WriteProfileValue(file, section, entry, std::to_string(value), false) ? 1 : 0;
+}
+
+std::string CNyrProfileEntries::ReadProfileString(const std::string& file, const std::string& section,
+                                                  const std::string& entry, const std::string& defaultValue)
+{
+    std::string value;
+    if (!ReadProfileValue(file, section, entry, [&](std::string_view text) { value.assign(text); }))
+        return defaultValue;
+    return value;
+}
+
+int CNyrProfileEntries::WriteProfileStringA(const std::string& file, const std::string& section,
+                                            const std::string& entry, const std::string& value)
+{
+    return WriteProfileValue(file, section, entry, value, false) ? 1 : 0;
+}
+
+void CNyrProfileEntries::ReadProfileIntVector(const std::string& file, const std::string& section,
+                                              const std::string& entry, std::vector<int>& values)
+{
+    values.clear();
+    ReadProfileValue(file, section, entry,
+                     [&](std::string_view text) { nyr::detail::ParseIntVector(text, values); });
+}
+
+int CNyrProfileEntries::WriteProfileIntVector(const std::string& file, const std::string& section,
+                                              const std::string& entry, const std::vector<int>& values)
+{
+    return WriteProfileValue(file, section, entry, nyr::detail::FormatIntVector(values), false) ? 1 : 0;
+}
+
+// ---- the host application's profile store --------------------------------
+
+CNyrHostProfile::~CNyrHostProfile() = default;
+
+void CNyrProfileEntries::ReadProfileIntVector(CNyrHostProfile& host, const std::string& section,
+                                              const std::string& entry, std::vector<int>& values)
+{
+    nyr::detail::ParseIntVector(host.GetProfileString(section, entry, ""), values);
+}
+
+int CNyrProfileEntries::WriteProfileIntVector(CNyrHostProfile& host, const std::string& section,
+                                              const std::string& entry, const std::vector<int>& values)
+{
+    return host.WriteProfileString(section, entry, nyr::detail::FormatIntVector(values));
+}
+
+// ---- the library's own file ---------------------------------------------
+// Writes create the file's folder when it is missing (~/.config may not
+// exist yet on a fresh account).
+
+unsigned int CNyrProfileEntries::ReadNyrProfileInt(const std::string& section, const std::string& entry,
+                                                   int defaultValue)
+{
+    return ReadProfileInt(NyrGetProfilePath(), section, entry, defaultValue);
+}
+
+int CNyrProfileEntries::WriteNyrProfileInt(const std::string& section, const std::string& entry, int value)
+{
+    return WriteProfileValue(NyrGetProfilePath(), section, entry, std::to_string(value), true) ? 1 : 0;
+}
+
+std::string CNyrProfileEntries::ReadNyrProfileString(const std::string& section, const std::string& entry,
+                                                     const std::string& defaultValue)
+{
+    return ReadProfileString(NyrGetProfilePath(), section, entry, defaultValue);
+}
+
+int CNyrProfileEntries::WriteNyrProfileString(const std::string& section, const std::string& entry,
+                                              const std::string& value)
+{
+    return WriteProfileValue(NyrGetProfilePath(), section, entry, value, true) ? 1 : 0;
+}
+
+void CNyrProfileEntries::ReadNyrProfileIntVector(const std::string& section, const std::string& entry,
+                                                 std::vector<int>& values)
+{
+    ReadProfileIntVector(NyrGetProfilePath(), section, entry, values);
+}
+
+int CNyrProfileEntries::WriteNyrProfileIntVector(const std::string& section, const std::string& entry,
+                                                 const std::vector<int>& values)
+{
+    return WriteProfileValue(NyrGetProfilePath(), section, entry, nyr::detail::FormatIntVector(values), true) ? 1
+                                                                                                              : 0;
+}
+
+// ---- where the file lives ------------------------------------------------
+
+namespace {
+
+constexpr const char* kFileName = "Nyr240.INI";
+
+std::mutex& PathMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::string& ProfilePath()
+{
+    static std::string path;  // empty: not decided yet
+    return path;
+}
+
+// $XDG_CONFIG_HOME when set to an absolute path, else $HOME/.config (the
+// password database's home folder when HOME is unset).
+std::string DefaultFolder()
+{
+    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && xdg[0] == '/')
+        return xdg;
+    std::string home;
+    if (const char* env = std::getenv("HOME"); env && env[0])
+        home = env;
+    else if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir)
+        home = pw->pw_dir;
+    while (home.size() > 1 && home.back() == '/')
+        home.pop_back();
+    return (home == "/" ? "" : home) + "/.config";
+}
+
+}  // namespace
+
+void NyrSetProfilePath(const std::string& path)
+{
+    std::lock_guard lock(PathMutex());
+    ProfilePath() = path;
+}
+
+void NyrSetProfilePrefix(const std::string& prefix)
+{
+    std::lock_guard lock(PathMutex());
+    ProfilePath() = DefaultFolder() + "/" + prefix + "." + kFileName;
+}
+
+std::string NyrGetProfilePath()
+{
+    std::lock_guard lock(PathMutex());
+    if (ProfilePath().empty())
+        ProfilePath() = DefaultFolder() + "/" + kFileName;
+    return ProfilePath();
+}
