@@ -53,9 +53,10 @@ void CNyrReportView::Private::GoLive()
         q->RestoreLayout();
 }
 
-void CNyrReportView::Private::SortRows()
+void CNyrReportView::Private::SortRows(bool inRealOrder)
 {
-    if (!sortState.empty())
+    // Unsorted is real order: nothing to do for rows that are in it already.
+    if (!sortState.empty() || !inRealOrder)
         nyr::NyrIntroSort(screenToRealItem.begin(), screenToRealItem.end(),
                           nyr::views_detail::LessRealItem{items, sortState});
     RenumberRows(0);
@@ -75,13 +76,13 @@ void CNyrReportView::Private::RebuildScreen(bool keepPosition)
             if (items[r]->IsVisible())
                 screenToRealItem.push_back(static_cast<RealItem>(r));
         }
-        SortRows();
+        SortRows(true);
     });
 }
 
 void CNyrReportView::Private::ResortScreen()
 {
-    ResetRows(true, [this] { SortRows(); });
+    ResetRows(true, [this] { SortRows(false); });
 }
 
 void CNyrReportView::Private::InsertRowOnScreen(RealItem r)
@@ -911,9 +912,11 @@ void CNyrReportView::OnDisableRealItemInternal(unsigned int realItem, int screen
     if (item->IsDisabled() == before)
         return;
     if (d->ValidScreen(screenItem)) {
-        // The row's flags changed (greyed, not selectable).
+        // The row's flags changed (greyed, not selectable); Qt may still hold
+        // the row in a range selected across it while it was disabled.
         const int lastCol = std::max(0, static_cast<int>(d->screenToRealCol.size()) - 1);
         emit d->model->dataChanged(d->model->index(screenItem, 0), d->model->index(screenItem, lastCol));
+        d->MirrorRowSelection(static_cast<ScreenItem>(screenItem), item->IsSelected());
         InvalidateScreenItem(screenItem);
     }
     if (doNotify) {

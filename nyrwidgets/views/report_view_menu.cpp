@@ -91,6 +91,16 @@ QAction* CNyrReportViewMenuPopUp::AppendAction(const QString& text, std::functio
     return action;
 }
 
+CNyrReportViewMenuPopUp* CNyrReportViewMenuPopUp::AppendSubMenu(unsigned int textId, bool enabled)
+{
+    auto* sub = new CNyrReportViewMenuPopUp(m_target, this);
+    sub->setTitle(Text(textId));
+    QAction* action = addMenu(sub);
+    action->setProperty("nyrTextId", textId);
+    action->setEnabled(enabled);
+    return sub;
+}
+
 void CNyrReportViewMenuPopUp::AppendSeparator()
 {
     const QList<QAction*> list = actions();
@@ -322,8 +332,7 @@ void CNyrReportView::InsertMenuAutoArrange(CNyrReportViewMenuPopUp& menu)
 
 void CNyrReportView::InsertMenuSort(CNyrReportViewMenuPopUp& menu, unsigned int realCol)
 {
-    auto* sub = new CNyrReportViewMenuPopUp(this, &menu);
-    sub->setTitle(Text(26023));
+    CNyrReportViewMenuPopUp* sub = menu.AppendSubMenu(26023);
     const bool onColumn = realCol < d->cols.size();
     const bool single = d->sortState.size() == 1 && d->sortState[0].realCol == realCol;
     QAction* ascending = sub->AppendCommand(26024, WM_NYR_REPORTVIEW_SORT_ASCENDING, onColumn);
@@ -337,7 +346,6 @@ void CNyrReportView::InsertMenuSort(CNyrReportViewMenuPopUp& menu, unsigned int 
     original->setChecked(d->sortState.empty());
     sub->addSeparator();
     sub->AppendCommand(26044, WM_NYR_REPORTVIEW_SORT_MULTIPLE, !d->cols.empty());
-    menu.addMenu(sub);
 }
 
 void CNyrReportView::InsertMenuViewHide(CNyrReportViewMenuPopUp& menu, unsigned int realCol)
@@ -348,19 +356,16 @@ void CNyrReportView::InsertMenuViewHide(CNyrReportViewMenuPopUp& menu, unsigned 
     menu.AppendAction(
         26027, [this, realCol] { HideRealCol(realCol, 1, 1); }, several && col && col->IsVisible());
     menu.AppendCommand(26028, WM_NYR_REPORTVIEW_HIDE_ALL_COLS, several);
-    bool anyHidden = false;
-    auto* view = new CNyrReportViewMenuPopUp(this, &menu);
-    view->setTitle(Text(26030));
+    std::vector<unsigned int> hidden;
     for (std::size_t c = 0; c < d->cols.size(); ++c) {
-        const CNyrReportViewCol* hidden = d->cols[c].get();
-        if (!hidden->IsHidden() || hidden->IsDeleted())
-            continue;
-        anyHidden = true;
-        const auto r = static_cast<unsigned int>(c);
-        view->AppendAction(QString::fromStdString(hidden->GetLabel()), [this, r] { HideRealCol(r, 0, 1); });
+        if (d->cols[c]->IsHidden() && !d->cols[c]->IsDeleted())
+            hidden.push_back(static_cast<unsigned int>(c));
     }
-    menu.AppendCommand(26029, WM_NYR_REPORTVIEW_VIEW_ALL_COLS, anyHidden);
-    menu.addMenu(view)->setEnabled(anyHidden);
+    menu.AppendCommand(26029, WM_NYR_REPORTVIEW_VIEW_ALL_COLS, !hidden.empty());
+    CNyrReportViewMenuPopUp* view = menu.AppendSubMenu(26030, !hidden.empty());
+    for (unsigned int r : hidden) {
+        view->AppendAction(QString::fromStdString(d->cols[r]->GetLabel()), [this, r] { HideRealCol(r, 0, 1); });
+    }
 }
 
 void CNyrReportView::InsertMenuSelect(CNyrReportViewMenuPopUp& menu)

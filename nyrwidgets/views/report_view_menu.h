@@ -22,6 +22,8 @@ public:
     QAction* AppendAction(unsigned int textId, std::function<void()> run, bool enabled = true);
     // The same with a text of its own.
     QAction* AppendAction(const QString& text, std::function<void()> run, bool enabled = true);
+    // A sub-menu titled with the library text `textId`, appended to this one.
+    CNyrReportViewMenuPopUp* AppendSubMenu(unsigned int textId, bool enabled = true);
     // A separator, unless the menu is empty or already ends with one.
     void AppendSeparator();
     // The command entry of `message`, searched through the sub-menus; null

@@ -189,8 +189,9 @@ struct CNyrReportView::Private
     // puts Qt's selection and focus back from the items.
     template <class F>
     void ResetRows(bool keepPosition, F change);
-    // Sorts screenToRealItem by the sort state (the maps are renumbered).
-    void SortRows();
+    // Sorts screenToRealItem by the sort state (the maps are renumbered);
+    // `inRealOrder` says the rows are in real order already.
+    void SortRows(bool inRealOrder);
     void InsertRowOnScreen(RealItem r);
     void RemoveRowFromScreen(RealItem r);
     // Qt's selection of one row (or of all rows) made to agree with the items.
