@@ -1,0 +1,47 @@
+// Importing a leap-second list: the input is the list file.
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "nyr/time/time.h"
+#include "nyr/util/profile_entries.h"
+
+namespace {
+
+std::string g_dir;
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    char pattern[] = "/tmp/nyr-fuzz-leap-XXXXXX";
+    g_dir = mkdtemp(pattern) ? pattern : "/tmp";
+    NyrSetProfilePath(g_dir + "/Nyr240.INI");
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const std::string list = g_dir + "/leap-seconds.list";
+    std::FILE* file = std::fopen(list.c_str(), "wb");
+    if (!file)
+        return 0;
+    std::fwrite(data, 1, size, file);
+    std::fclose(file);
+
+    CNyrTimeHelper::LoadLeapSeconds();
+    bool expired = false;
+    const int added = CNyrTimeHelper::ImportLeapSecondsList(list, &expired);
+    if (added < -1)
+        __builtin_trap();
+    // The saved table must read back to the same answers.
+    const double before = CNyrTimeHelper::GetLeapSeconds(1e6);
+    CNyrTimeHelper::LoadLeapSeconds();
+    if (CNyrTimeHelper::GetLeapSeconds(1e6) != before)
+        __builtin_trap();
+    std::remove((g_dir + "/Nyr240.INI").c_str());
+    return 0;
+}

@@ -1,0 +1,188 @@
+// Reading a time point back from text with a pattern of the format table's
+// kind. Every read is bounded by the text; numbers saturate; the AM/PM word
+// keeps at most its first two characters.
+#include <charconv>
+#include <climits>
+#include <cmath>
+#include <string_view>
+
+#include "nyr/platform/local_time_p.h"
+#include "nyr/time/time.h"
+#include "nyr/time/time_span.h"
+
+namespace {
+
+enum class Read { kEnd, kNoMatch, kOk };
+
+bool IsSpace(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// Skips leading white space; kEnd when nothing else is left (a read that
+// hits the end of the text).
+bool SkipSpace(std::string_view text, std::size_t& i)
+{
+    while (i < text.size() && IsSpace(text[i]))
+        ++i;
+    return i < text.size();
+}
+
+// A decimal integer as "%ld" reads it, saturating at the limits of long.
+Read ReadLong(std::string_view text, long& value)
+{
+    std::size_t i = 0;
+    if (!SkipSpace(text, i))
+        return Read::kEnd;
+    const bool negative = text[i] == '-';
+    if (text[i] == '-' || text[i] == '+')
+        ++i;
+    if (i == text.size() || !IsDigit(text[i]))
+        return Read::kNoMatch;
+    unsigned long magnitude = 0;
+    const unsigned long limit = negative ? static_cast<unsigned long>(LONG_MAX) + 1 : LONG_MAX;
+    for (; i < text.size() && IsDigit(text[i]); ++i)
+        magnitude = magnitude > (limit - (text[i] - '0')) / 10 ? limit : magnitude * 10 + (text[i] - '0');
+    value = negative ? static_cast<long>(0 - magnitude) : static_cast<long>(magnitude);
+    return Read::kOk;
+}
+
+// A decimal floating number as "%lf" reads it, without the locale.
+Read ReadDouble(std::string_view text, double& value)
+{
+    std::size_t i = 0;
+    if (!SkipSpace(text, i))
+        return Read::kEnd;
+    if (text[i] == '+' && i + 1 < text.size() && text[i + 1] != '-')
+        ++i;
+    // Digits only: "inf" and "nan" are words here, not numbers.
+    const std::size_t first = i + (i < text.size() && text[i] == '-');
+    if (first == text.size() || !(IsDigit(text[first]) || text[first] == '.'))
+        return Read::kNoMatch;
+    const auto [end, error] = std::from_chars(text.data() + i, text.data() + text.size(), value);
+    if (end == text.data() + i)
+        return Read::kNoMatch;
+    if (error == std::errc::result_out_of_range)
+        value = HUGE_VAL;  // refused by the range checks below
+    return Read::kOk;
+}
+
+// A word as "%s" reads it; only its first two characters are kept.
+Read ReadMarker(std::string_view text, char marker[2])
+{
+    std::size_t i = 0;
+    if (!SkipSpace(text, i))
+        return Read::kEnd;
+    for (int k = 0; k < 2 && i + k < text.size() && !IsSpace(text[i + k]); ++k)
+        marker[k] = text[i + k];
+    return Read::kOk;
+}
+
+bool IsFieldChar(char c)
+{
+    return IsDigit(c) || c == '.' || c == 'A' || c == 'P' || c == 'M';
+}
+
+// Drops the field at the start of the text and the separators after it.
+std::string_view DropField(std::string_view text)
+{
+    std::size_t i = 0;
+    while (i < text.size() && IsFieldChar(text[i]))
+        ++i;
+    while (i < text.size() && !IsFieldChar(text[i]))
+        ++i;
+    return text.substr(i);
+}
+
+int ToInt(long value)
+{
+    return value < INT_MIN ? INT_MIN : value > INT_MAX ? INT_MAX : static_cast<int>(value);
+}
+
+}  // namespace
+
+double CNyrTime::ScanTime(const std::string& textIn, const std::string& patternIn)
+{
+    long year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    double fraction = 0.0;
+    char marker[2] = {' ', ' '};
+    bool fourDigitYear = false;
+
+    std::string pattern = patternIn;
+    std::string_view text = textIn;
+    for (std::size_t percent = pattern.find('%'); percent != std::string::npos; percent = pattern.find('%')) {
+        const char letter = percent + 1 < pattern.size() ? pattern[percent + 1] : '\0';
+        // Blank the conversion out so that the next search finds the next one.
+        pattern[percent] = ' ';
+        if (percent + 1 < pattern.size())
+            pattern[percent + 1] = ' ';
+
+        Read read = Read::kNoMatch;
+        switch (letter) {
+        case 'm': read = ReadLong(text, month); break;
+        case 'd':
+        case 'j': read = ReadLong(text, day); break;
+        case 'H':
+        case 'I': read = ReadLong(text, hour); break;
+        case 'M': read = ReadLong(text, minute); break;
+        case 'S': read = ReadLong(text, second); break;
+        case 'Y':
+            read = ReadLong(text, year);
+            if (read == Read::kOk)
+                fourDigitYear = true;
+            break;
+        case 's': {
+            double seconds = 0.0;
+            read = ReadDouble(text, seconds);
+            if (read == Read::kOk) {
+                const double whole = std::trunc(seconds);
+                second = std::fabs(whole) < 1e9 ? static_cast<long>(whole) : LONG_MAX;
+                fraction = std::fabs(whole) < 1e9 ? seconds - whole : 0.0;
+            }
+            break;
+        }
+        case 'D': {
+            double days = 0.0;
+            read = ReadDouble(text, days);
+            if (read == Read::kOk && !CNyrTimeSpanHelper::Mjd2Hms(days, day, hour, minute, second, fraction))
+                day = LONG_MAX;  // refused below
+            break;
+        }
+        case 'p': read = ReadMarker(text, marker); break;
+        default:
+            // "%y" and every other letter, "%#d" and "%b" included: a
+            // two-digit year, intended.
+            read = ReadLong(text, year);
+            if (read == Read::kOk)
+                fourDigitYear = false;
+            break;
+        }
+        if (read == Read::kEnd)
+            break;
+        text = DropField(text);
+    }
+
+    if (!fourDigitYear && year < 71)  // a two-digit year: 70 is 2070, 71 is 1971
+        year += 2000;
+    else if (!fourDigitYear && year < LONG_MAX - 1900)
+        year += 1900;
+    if (marker[0] == 'P' && marker[1] == 'M' && hour < 12)
+        hour += 12;  // an "AM" hour of 12 stays 12, intended
+
+    int64_t seconds = 0;
+    if (!(fraction >= 0.0 && fraction < 1.0) ||
+        !nyr::local::MakeLocal(year, ToInt(month), ToInt(day), ToInt(hour), ToInt(minute), ToInt(second), -1,
+                               seconds)) {
+        m_time = CTime();
+        m_fracSecond = 0.0;
+        return 0.0;
+    }
+    m_time = CTime(seconds);
+    m_fracSecond = fraction;
+    return Mjd();
+}
