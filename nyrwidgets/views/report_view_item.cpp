@@ -1,5 +1,6 @@
 #include "nyrwidgets/views/report_view_item.h"
 
+#include "nyr/time/time.h"
 #include "nyrwidgets/views/compare.h"
 
 CNyrReportViewItem::~CNyrReportViewItem() = default;
@@ -164,4 +165,49 @@ int CNyrReportViewItem::Compare(unsigned long a, unsigned long b)
 int CNyrReportViewItem::Compare(double a, double b)
 {
     return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::Compare(const CNyrTime& a, const CNyrTime& b)
+{
+    return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::Compare(const CTime& a, const CTime& b)
+{
+    return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::Compare(const COleDateTime& a, const COleDateTime& b)
+{
+    return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::CompareDatePart(const CNyrTime& a, const CNyrTime& b)
+{
+    return NyrCompareDatePart(a, b);
+}
+
+int CNyrReportViewItem::CompareDatePart(const CTime& a, const CTime& b)
+{
+    return NyrCompareDatePart(a, b);
+}
+
+int CNyrReportViewItem::CompareDatePart(const COleDateTime& a, const COleDateTime& b)
+{
+    return NyrCompareDatePart(a, b);
+}
+
+int CNyrReportViewItem::CompareTimePart(const CNyrTime& a, const CNyrTime& b)
+{
+    return NyrCompareTimePart(a, b);
+}
+
+int CNyrReportViewItem::CompareTimePart(const CTime& a, const CTime& b)
+{
+    return NyrCompareTimePart(a, b);
+}
+
+int CNyrReportViewItem::CompareTimePart(const COleDateTime& a, const COleDateTime& b)
+{
+    return NyrCompareTimePart(a, b);
 }

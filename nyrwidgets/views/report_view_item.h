@@ -6,6 +6,9 @@
 #include "nyr/platform/export.h"
 
 class CNyrReportView;
+class CNyrTime;
+class COleDateTime;
+class CTime;
 class QObject;
 class QPainter;
 class QStyleOptionViewItem;
@@ -118,7 +121,9 @@ public:
     virtual QPointer<QObject> OnGetItemDocument(unsigned int realCol);
 
     // Three-way comparisons for OnCompareItem (negative, 0, positive); each
-    // forwards to the library's NyrCompare / NyrCompareIS.
+    // forwards to the library's NyrCompare, NyrCompareIS, NyrCompareDatePart
+    // or NyrCompareTimePart. The DatePart forms compare the calendar days
+    // only, the TimePart forms the times of day only.
     static int Compare(const std::string& a, const std::string& b);
     static int CompareIS(const std::string& a, const std::string& b);
     static int Compare(int a, int b);
@@ -126,6 +131,15 @@ public:
     static int Compare(unsigned int a, unsigned int b);
     static int Compare(unsigned long a, unsigned long b);
     static int Compare(double a, double b);
+    static int Compare(const CNyrTime& a, const CNyrTime& b);
+    static int Compare(const CTime& a, const CTime& b);
+    static int Compare(const COleDateTime& a, const COleDateTime& b);
+    static int CompareDatePart(const CNyrTime& a, const CNyrTime& b);
+    static int CompareDatePart(const CTime& a, const CTime& b);
+    static int CompareDatePart(const COleDateTime& a, const COleDateTime& b);
+    static int CompareTimePart(const CNyrTime& a, const CNyrTime& b);
+    static int CompareTimePart(const CTime& a, const CTime& b);
+    static int CompareTimePart(const COleDateTime& a, const COleDateTime& b);
 
 private:
     friend class CNyrReportView;

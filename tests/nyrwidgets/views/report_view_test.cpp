@@ -10,6 +10,7 @@
 #include <limits>
 
 #include "nyr/frame/notifications.h"
+#include "nyr/time/time.h"
 #include "nyrwidgets/views/compare.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/report_view_col.h"
@@ -123,6 +124,15 @@ TEST(Compare, TextsNumbersAndNaN)
     EXPECT_EQ(NyrCompare(-0.0, 0.0), 0);
     EXPECT_EQ(NyrCompare(4294967295u, 0u), 1);
     EXPECT_EQ(NyrCompare(-1L, 1L), -1);
+
+    // The item's helpers reach the right time comparison.
+    const CNyrTime morning(2021, 3, 4, 8, 0, 0);
+    const CNyrTime evening(2021, 3, 4, 20, 0, 0);
+    const CNyrTime nextMorning(2021, 3, 5, 7, 0, 0);
+    EXPECT_EQ(CNyrReportViewItem::Compare(evening, nextMorning), -1);
+    EXPECT_EQ(CNyrReportViewItem::CompareDatePart(morning, evening), 0);
+    EXPECT_EQ(CNyrReportViewItem::CompareTimePart(evening, nextMorning), 1);
+    EXPECT_EQ(CNyrReportViewItem::CompareDatePart(CTime(evening.GetTime()), CTime(nextMorning.GetTime())), -1);
 }
 
 // ---------------------------------------------------------------------------
