@@ -1,15 +1,6 @@
 #include "nyrwidgets/views/compare.h"
 
-#include <cmath>
-#include <cstring>
-
 namespace {
-
-template <class T>
-int Sign(T a, T b)
-{
-    return (a < b) ? -1 : (b < a) ? 1 : 0;
-}
 
 unsigned char Lower(unsigned char c)
 {
@@ -17,12 +8,6 @@ unsigned char Lower(unsigned char c)
 }
 
 }  // namespace
-
-int NyrCompare(const std::string& a, const std::string& b)
-{
-    const int r = a.compare(b);
-    return (r < 0) ? -1 : (r > 0) ? 1 : 0;
-}
 
 int NyrCompareIS(const std::string& a, const std::string& b)
 {
@@ -33,34 +18,5 @@ int NyrCompareIS(const std::string& a, const std::string& b)
         if (ca != cb)
             return ca < cb ? -1 : 1;
     }
-    return Sign(a.size(), b.size());
-}
-
-int NyrCompare(int a, int b)
-{
-    return Sign(a, b);
-}
-
-int NyrCompare(long a, long b)
-{
-    return Sign(a, b);
-}
-
-int NyrCompare(unsigned int a, unsigned int b)
-{
-    return Sign(a, b);
-}
-
-int NyrCompare(unsigned long a, unsigned long b)
-{
-    return Sign(a, b);
-}
-
-int NyrCompare(double a, double b)
-{
-    const bool nanA = std::isnan(a);
-    const bool nanB = std::isnan(b);
-    if (nanA || nanB)
-        return Sign(nanA, nanB);
-    return Sign(a, b);
+    return nyr::views_detail::Sign(a.size(), b.size());
 }

@@ -27,6 +27,16 @@
 namespace nyr::views_detail {
 
 inline constexpr std::ptrdiff_t kIntroSortShortRange = 32;
+inline constexpr std::ptrdiff_t kAheadDistance = 16;
+
+// The default for `ahead`: nothing to fetch.
+struct NoAhead
+{
+    template <class T>
+    void operator()(const T&) const
+    {
+    }
+};
 
 template <class It, class Less>
 void InsertionSort(It first, It last, Less& less)
@@ -93,9 +103,11 @@ void MedianOfThreeToFirst(It first, It a, It b, It c, Less& less)
 
 // Partitions [first, last) (more than 3 elements) around the median of three,
 // which ends at the returned position: what lies before it does not compare
-// greater, what lies after it does not compare less.
-template <class It, class Less>
-It Partition(It first, It last, Less& less)
+// greater, what lies after it does not compare less. `ahead` is told of the
+// elements the scans will reach a few steps later, so that it can fetch what
+// the comparison will read.
+template <class It, class Less, class Ahead>
+It Partition(It first, It last, Less& less, Ahead& ahead)
 {
     const std::ptrdiff_t n = last - first;
     MedianOfThreeToFirst(first, first + 1, first + n / 2, last - 1, less);
@@ -103,10 +115,20 @@ It Partition(It first, It last, Less& less)
     It i = first + 1;
     It j = last - 1;
     for (;;) {
-        while (i <= j && less(*i, *first))
+        while (i <= j) {
+            if (j - i > kAheadDistance)
+                ahead(*(i + kAheadDistance));
+            if (!less(*i, *first))
+                break;
             ++i;
-        while (i <= j && less(*first, *j))
+        }
+        while (i <= j) {
+            if (j - i > kAheadDistance)
+                ahead(*(j - kAheadDistance));
+            if (!less(*first, *j))
+                break;
             --j;
+        }
         if (i >= j)
             break;
         std::iter_swap(i, j);
@@ -118,22 +140,22 @@ It Partition(It first, It last, Less& less)
     return j;
 }
 
-template <class It, class Less>
-void IntroSortLoop(It first, It last, int budget, Less& less)
+template <class It, class Less, class Ahead>
+void IntroSortLoop(It first, It last, int budget, Less& less, Ahead& ahead)
 {
     while (last - first > kIntroSortShortRange) {
         if (budget-- == 0) {
             HeapSort(first, last, less);
             return;
         }
-        It pivot = Partition(first, last, less);
+        It pivot = Partition(first, last, less, ahead);
         // Recurse into the smaller side, loop on the larger: the stack stays
         // O(log n) deep even when the budget is generous.
         if (pivot - first < last - (pivot + 1)) {
-            IntroSortLoop(first, pivot, budget, less);
+            IntroSortLoop(first, pivot, budget, less, ahead);
             first = pivot + 1;
         } else {
-            IntroSortLoop(pivot + 1, last, budget, less);
+            IntroSortLoop(pivot + 1, last, budget, less, ahead);
             last = pivot;
         }
     }
@@ -145,8 +167,10 @@ void IntroSortLoop(It first, It last, int budget, Less& less)
 namespace nyr {
 
 // Sorts [first, last) of a random-access range by `less` (see above).
-template <class It, class Less>
-void NyrIntroSort(It first, It last, Less less)
+// `ahead(element)` (optional) is called for elements the partition scans will
+// compare soon: a chance to prefetch what `less` reads through them.
+template <class It, class Less, class Ahead = views_detail::NoAhead>
+void NyrIntroSort(It first, It last, Less less, Ahead ahead = Ahead())
 {
     const std::ptrdiff_t n = last - first;
     if (n < 2)
@@ -154,7 +178,7 @@ void NyrIntroSort(It first, It last, Less less)
     int depth = 0;
     for (std::ptrdiff_t k = n; k > 1; k >>= 1)
         ++depth;
-    views_detail::IntroSortLoop(first, last, 2 * depth, less);
+    views_detail::IntroSortLoop(first, last, 2 * depth, less, ahead);
 }
 
 }  // namespace nyr

@@ -55,10 +55,30 @@ void CNyrReportView::Private::GoLive()
 
 void CNyrReportView::Private::SortRows(bool inRealOrder)
 {
+    using nyr::views_detail::SortEntry;
     // Unsorted is real order: nothing to do for rows that are in it already.
-    if (!sortState.empty() || !inRealOrder)
-        nyr::NyrIntroSort(screenToRealItem.begin(), screenToRealItem.end(),
-                          nyr::views_detail::LessRealItem{items, sortState});
+    if (sortState.empty() && inRealOrder) {
+        RenumberRows(0);
+        return;
+    }
+    std::vector<SortEntry> entries;
+    entries.reserve(screenToRealItem.size());
+    for (RealItem r : screenToRealItem)
+        entries.push_back({Item(r), r});
+    const nyr::views_detail::LessRealItem less{sortState};
+    // Rows in order already, or in reverse (the same column clicked again):
+    // checked in one pass that stops at the first pair out of place. With a
+    // consistent comparison the result is the one the full sort gives.
+    const auto reversed = [&less](const SortEntry& a, const SortEntry& b) { return less(b, a); };
+    if (std::is_sorted(entries.begin(), entries.end(), less)) {
+        // In order: nothing to move.
+    } else if (std::is_sorted(entries.begin(), entries.end(), reversed)) {
+        std::reverse(entries.begin(), entries.end());
+    } else {
+        nyr::NyrIntroSort(entries.begin(), entries.end(), less, nyr::views_detail::PrefetchItem());
+    }
+    for (std::size_t s = 0; s < entries.size(); ++s)
+        screenToRealItem[s] = entries[s].real;
     RenumberRows(0);
 }
 
@@ -129,7 +149,7 @@ void CNyrReportView::Private::ResyncQtSelection()
     // change computation linear.
     QItemSelection selection;
     const int lastCol = static_cast<int>(screenToRealCol.size()) - 1;
-    if (lastCol >= 0) {
+    if (lastCol >= 0 && selectedBits > 0) {
         int runStart = -1;
         const int rows = static_cast<int>(screenToRealItem.size());
         for (int s = 0; s <= rows; ++s) {
@@ -539,6 +559,8 @@ void CNyrReportView::OnRealColChanged(const CNyrReportViewCol* col, bool width)
 unsigned int CNyrReportView::AddRealItem(CNyrReportViewItem* item)
 {
     item->m_owner = this;
+    if (item->m_itemState & CNyrReportViewItem::StateSelected)
+        ++d->selectedBits;
     d->items.push_back(item);
     d->realToScreenItem.push_back(kOffScreenItem);
     return static_cast<unsigned int>(d->items.size() - 1);
@@ -560,13 +582,17 @@ int CNyrReportView::GetInsertPos(unsigned int realItem) const
 {
     // The first row that the item sorts before. The item itself is not
     // among the rows searched, so it is never compared with itself.
-    const nyr::views_detail::LessRealItem less{d->items, d->sortState};
+    if (!d->ValidReal(realItem))
+        return -1;
+    const nyr::views_detail::LessRealItem less{d->sortState};
     const auto r = static_cast<RealItem>(realItem);
+    const nyr::views_detail::SortEntry entry{d->Item(r), r};
     std::size_t lo = 0;
     std::size_t hi = d->screenToRealItem.size();
     while (lo < hi) {
         const std::size_t mid = lo + (hi - lo) / 2;
-        if (d->screenToRealItem[mid] == r || !less(r, d->screenToRealItem[mid]))
+        const RealItem other = d->screenToRealItem[mid];
+        if (other == r || !less(entry, {d->Item(other), other}))
             lo = mid + 1;
         else
             hi = mid;
@@ -864,7 +890,11 @@ void CNyrReportView::OnSelectRealItemInternal(unsigned int realItem, int screenI
 {
     const bool doNotify = notify && !GetSuppressSelectNotifications();
     const bool before = item->IsSelected();
+    const bool bitBefore = (item->GetItemState() & CNyrReportViewItem::StateSelected) != 0;
     item->SelectItem(select, 1);
+    const bool bitAfter = (item->GetItemState() & CNyrReportViewItem::StateSelected) != 0;
+    if (bitAfter != bitBefore)
+        d->selectedBits += bitAfter ? 1 : std::size_t(-1);
     if (item->IsSelected() == before)
         return;
     if (d->ValidScreen(screenItem)) {
@@ -962,6 +992,7 @@ void CNyrReportView::CleanupRealItems(int notify)
         for (CNyrReportViewItem* item : d->items)
             delete item;
         d->items.clear();
+        d->selectedBits = 0;
         d->screenToRealItem.clear();
         d->realToScreenItem.clear();
     });

@@ -1,7 +1,6 @@
 #include "nyrwidgets/views/report_view_item.h"
 
 #include "nyr/time/time.h"
-#include "nyrwidgets/views/compare.h"
 
 CNyrReportViewItem::~CNyrReportViewItem() = default;
 
@@ -130,41 +129,6 @@ int CNyrReportViewItem::OnCompareItem(const CNyrReportViewItem*, unsigned int)
 QPointer<QObject> CNyrReportViewItem::OnGetItemDocument(unsigned int)
 {
     return {};
-}
-
-int CNyrReportViewItem::Compare(const std::string& a, const std::string& b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::CompareIS(const std::string& a, const std::string& b)
-{
-    return NyrCompareIS(a, b);
-}
-
-int CNyrReportViewItem::Compare(int a, int b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::Compare(long a, long b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::Compare(unsigned int a, unsigned int b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::Compare(unsigned long a, unsigned long b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::Compare(double a, double b)
-{
-    return NyrCompare(a, b);
 }
 
 int CNyrReportViewItem::Compare(const CNyrTime& a, const CNyrTime& b)

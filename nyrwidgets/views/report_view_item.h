@@ -4,6 +4,7 @@
 #include <string>
 
 #include "nyr/platform/export.h"
+#include "nyrwidgets/views/compare.h"
 
 class CNyrReportView;
 class CNyrTime;
@@ -124,13 +125,13 @@ public:
     // forwards to the library's NyrCompare, NyrCompareIS, NyrCompareDatePart
     // or NyrCompareTimePart. The DatePart forms compare the calendar days
     // only, the TimePart forms the times of day only.
-    static int Compare(const std::string& a, const std::string& b);
-    static int CompareIS(const std::string& a, const std::string& b);
-    static int Compare(int a, int b);
-    static int Compare(long a, long b);
-    static int Compare(unsigned int a, unsigned int b);
-    static int Compare(unsigned long a, unsigned long b);
-    static int Compare(double a, double b);
+    static int Compare(const std::string& a, const std::string& b) { return NyrCompare(a, b); }
+    static int CompareIS(const std::string& a, const std::string& b) { return NyrCompareIS(a, b); }
+    static int Compare(int a, int b) { return NyrCompare(a, b); }
+    static int Compare(long a, long b) { return NyrCompare(a, b); }
+    static int Compare(unsigned int a, unsigned int b) { return NyrCompare(a, b); }
+    static int Compare(unsigned long a, unsigned long b) { return NyrCompare(a, b); }
+    static int Compare(double a, double b) { return NyrCompare(a, b); }
     static int Compare(const CNyrTime& a, const CNyrTime& b);
     static int Compare(const CTime& a, const CTime& b);
     static int Compare(const COleDateTime& a, const COleDateTime& b);

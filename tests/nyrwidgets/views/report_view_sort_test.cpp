@@ -160,6 +160,31 @@ TEST(ReportViewSort, AppendedItemsGoToTheirSortedPlaceAndFocusSurvivesASort)
     EXPECT_EQ(ScreenOrder(view), (std::vector<int>{6, 2, 4, 5, 1, 3, 0}));
 }
 
+// Sorting again in the other direction reverses the rows when they are in
+// order; after the application changed values (without a new sort) they are
+// not, and a reversal would be wrong.
+TEST(ReportViewSort, StaleRowsAreSortedNotJustReversed)
+{
+    CNyrReportView view;
+    view.AddRealCols(std::vector<std::string>{"Name", "Value"});
+    std::vector<TextItem*> items;
+    for (const char* v : {"5", "1", "4", "2", "3"}) {
+        items.push_back(new TextItem({"n", v}));
+        view.AddRealItem(items.back());
+    }
+    view.DisplayRealItems();
+    view.SortList(std::vector<SortKey>{{1, 1}});
+    EXPECT_EQ(ScreenOrder(view), (std::vector<int>{1, 3, 4, 2, 0}));
+    view.SortList(std::vector<SortKey>{{1, 0}});
+    EXPECT_EQ(ScreenOrder(view), (std::vector<int>{0, 2, 4, 3, 1}));
+
+    items[0]->SetCell(1, "0");
+    view.RefreshRealItem(0);
+    EXPECT_EQ(ScreenOrder(view), (std::vector<int>{0, 2, 4, 3, 1}));  // a refresh keeps the row in place
+    view.SortList(std::vector<SortKey>{{1, 1}});
+    EXPECT_EQ(ScreenOrder(view), (std::vector<int>{0, 1, 3, 4, 2}));
+}
+
 TEST(ReportViewSort, HeaderMenuSortCommands)
 {
     CNyrReportView view;

@@ -389,9 +389,15 @@ TEST_F(ShownView, HiddenRowsLeaveTheScreenDeletedOnesNeverReturn)
     EXPECT_EQ(ScreenOrder(view), (std::vector<int>{0, 1, 2, 3, 5}));
     EXPECT_EQ(view.GetItem(4), view.GetRealItem(5));
 
-    // Batches keep the screen in step as well.
+    // Batches keep the screen in step as well; a selected item hidden and
+    // viewed again is selected on screen again.
+    view.SelectRealItem(1, 1);
     EXPECT_EQ(view.HideRealItems({0, 1, 4}, 1), 2);
     EXPECT_EQ(ScreenOrder(view), (std::vector<int>{2, 3, 5}));
+    EXPECT_EQ(view.GetSelectedCount(), 0);
+    EXPECT_EQ(view.HideRealItems({1}, 0), 1);
+    EXPECT_TRUE(QtSelected(view.ScreenItemFromReal(1)));
+    EXPECT_EQ(view.HideRealItems({1}, 1), 1);
     view.CheckRealItems({2, 5}, 1);
     EXPECT_EQ(view.DeleteCheckedItems(), 2);
     EXPECT_EQ(ScreenOrder(view), (std::vector<int>{3}));

@@ -24,6 +24,8 @@ public:
     {
     }
 
+    void SetCell(unsigned int col, std::string text) { m_cells.at(col) = std::move(text); }
+
     using CNyrReportViewItem::OnGetItemText;
     int OnGetItemText(unsigned int realCol, unsigned int, std::string& text) override
     {
