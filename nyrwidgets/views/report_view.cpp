@@ -23,7 +23,6 @@ using ScreenItem = nyr::views_detail::ScreenItem;
 using RealCol = nyr::views_detail::RealCol;
 using ScreenCol = nyr::views_detail::ScreenCol;
 
-
 // ---------------------------------------------------------------------------
 // Screen rows
 
@@ -229,6 +228,8 @@ CNyrReportView::~CNyrReportView()
 
 unsigned int CNyrReportView::AddRealCol(CNyrReportViewCol* col)
 {
+    if (!col || std::any_of(d->cols.begin(), d->cols.end(), [col](const auto& c) { return c.get() == col; }))
+        return 0xFFFFFFFFu;
     col->m_owner = this;
     const auto r = static_cast<RealCol>(d->cols.size());
     d->cols.emplace_back(col);
@@ -248,9 +249,9 @@ unsigned int CNyrReportView::AddRealCol(CNyrReportViewCol* col)
 
 namespace {
 
-int At(const int* values, unsigned int i, int fallback)
+std::vector<int> Values(const int* values, unsigned int count)
 {
-    return values ? values[i] : fallback;
+    return values ? std::vector<int>(values, values + count) : std::vector<int>();
 }
 
 int At(const std::vector<int>& values, std::size_t i, int fallback)
@@ -258,19 +259,15 @@ int At(const std::vector<int>& values, std::size_t i, int fallback)
     return i < values.size() ? values[i] : fallback;
 }
 
-}  // namespace
-
-int CNyrReportView::AddRealCols(const char* const* labels, unsigned int count, const int* widths,
-                                const int* alignments, const int* hiddenDefaults)
+std::vector<unsigned int> Ids(unsigned int first, unsigned int count)
 {
-    if (!labels)
-        return 0;
-    for (unsigned int i = 0; i < count; ++i) {
-        AddRealCol(new CNyrReportViewCol(this, At(hiddenDefaults, i, 0), labels[i] ? labels[i] : "",
-                                         At(alignments, i, LVCFMT_LEFT), At(widths, i, 80)));
-    }
-    return static_cast<int>(count);
+    std::vector<unsigned int> ids(count);
+    for (unsigned int i = 0; i < count; ++i)
+        ids[i] = first + i;
+    return ids;
 }
+
+}  // namespace
 
 int CNyrReportView::AddRealCols(const std::vector<std::string>& labels, const std::vector<int>& widths,
                                 const std::vector<int>& alignments, const std::vector<int>& hiddenDefaults)
@@ -282,19 +279,15 @@ int CNyrReportView::AddRealCols(const std::vector<std::string>& labels, const st
     return static_cast<int>(labels.size());
 }
 
-int CNyrReportView::AddRealCols(const unsigned int* labelIds, unsigned int count, const int* widths,
+int CNyrReportView::AddRealCols(const char* const* labels, unsigned int count, const int* widths,
                                 const int* alignments, const int* hiddenDefaults)
 {
-    if (!labelIds)
+    if (!labels)
         return 0;
-    std::vector<std::string> labels;
+    std::vector<std::string> texts;
     for (unsigned int i = 0; i < count; ++i)
-        labels.push_back(NyrLoadString(labelIds[i]));
-    for (unsigned int i = 0; i < count; ++i) {
-        AddRealCol(new CNyrReportViewCol(this, At(hiddenDefaults, i, 0), labels[i], At(alignments, i, LVCFMT_LEFT),
-                                         At(widths, i, 80)));
-    }
-    return static_cast<int>(count);
+        texts.emplace_back(labels[i] ? labels[i] : "");
+    return AddRealCols(texts, Values(widths, count), Values(alignments, count), Values(hiddenDefaults, count));
 }
 
 int CNyrReportView::AddRealCols(const std::vector<unsigned int>& labelIds, const std::vector<int>& widths,
@@ -306,22 +299,26 @@ int CNyrReportView::AddRealCols(const std::vector<unsigned int>& labelIds, const
     return AddRealCols(labels, widths, alignments, hiddenDefaults);
 }
 
+int CNyrReportView::AddRealCols(const unsigned int* labelIds, unsigned int count, const int* widths,
+                                const int* alignments, const int* hiddenDefaults)
+{
+    if (!labelIds)
+        return 0;
+    return AddRealCols(std::vector<unsigned int>(labelIds, labelIds + count), Values(widths, count),
+                       Values(alignments, count), Values(hiddenDefaults, count));
+}
+
 int CNyrReportView::AddRealCols(unsigned int firstLabelId, unsigned int count, const int* widths,
                                 const int* alignments, const int* hiddenDefaults)
 {
-    std::vector<unsigned int> ids;
-    for (unsigned int i = 0; i < count; ++i)
-        ids.push_back(firstLabelId + i);
-    return AddRealCols(ids.data(), count, widths, alignments, hiddenDefaults);
+    return AddRealCols(Ids(firstLabelId, count), Values(widths, count), Values(alignments, count),
+                       Values(hiddenDefaults, count));
 }
 
 int CNyrReportView::AddRealCols(unsigned int firstLabelId, unsigned int count, const std::vector<int>& widths,
                                 const std::vector<int>& alignments, const std::vector<int>& hiddenDefaults)
 {
-    std::vector<unsigned int> ids;
-    for (unsigned int i = 0; i < count; ++i)
-        ids.push_back(firstLabelId + i);
-    return AddRealCols(ids, widths, alignments, hiddenDefaults);
+    return AddRealCols(Ids(firstLabelId, count), widths, alignments, hiddenDefaults);
 }
 
 namespace {
@@ -558,6 +555,8 @@ void CNyrReportView::OnRealColChanged(const CNyrReportViewCol* col, bool width)
 
 unsigned int CNyrReportView::AddRealItem(CNyrReportViewItem* item)
 {
+    if (!item || item->m_owner)
+        return 0xFFFFFFFFu;
     item->m_owner = this;
     if (item->m_itemState & CNyrReportViewItem::StateSelected)
         ++d->selectedBits;
@@ -569,6 +568,8 @@ unsigned int CNyrReportView::AddRealItem(CNyrReportViewItem* item)
 unsigned int CNyrReportView::AppendRealItem(CNyrReportViewItem* item, int display)
 {
     const unsigned int realItem = AddRealItem(item);
+    if (realItem == 0xFFFFFFFFu)
+        return realItem;
     if (display) {
         d->GoLive();
         if (item->IsVisible())

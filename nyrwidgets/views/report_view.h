@@ -92,7 +92,8 @@ public:
     // ---- Columns ----
 
     // Adds a column (the view takes ownership and becomes its owner); it
-    // shows at once unless hidden. Returns its real index.
+    // shows at once unless hidden. Returns its real index; 0xFFFFFFFF (and
+    // nothing happens) for null or a column the view holds already.
     unsigned int AddRealCol(CNyrReportViewCol* col);
     // Adds one column per label. The optional parallel widths (pixels),
     // alignments (LVCFMT_...) and hidden-by-default flags may be shorter than
@@ -146,7 +147,9 @@ public:
     // ---- Items ----
 
     // Adds an item to the model only (it shows with the next
-    // DisplayRealItems); the view takes ownership. Returns its real index.
+    // DisplayRealItems); the view takes ownership. Returns its real index;
+    // 0xFFFFFFFF (and nothing happens) for null or an item that already
+    // belongs to a view.
     unsigned int AddRealItem(CNyrReportViewItem* item);
     // Adds an item and, when `display` is set, shows it at its sorted place
     // (GetInsertPos); tells the subscribers (NotifyItemAppend).

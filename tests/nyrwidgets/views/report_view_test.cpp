@@ -135,6 +135,43 @@ TEST(Compare, TextsNumbersAndNaN)
     EXPECT_EQ(CNyrReportViewItem::CompareDatePart(CTime(evening.GetTime()), CTime(nextMorning.GetTime())), -1);
 }
 
+TEST(ReportViewCols, AddedFromTextsOrTextNumbersWithShortParallelValues)
+{
+    CNyrReportView view;
+    const int widths[] = {50, 60, 70};
+    const int alignments[] = {LVCFMT_RIGHT, LVCFMT_CENTER, LVCFMT_LEFT};
+    const int hidden[] = {0, 1, 0};
+    EXPECT_EQ(view.AddRealCols(26047u, 3u, widths, alignments, hidden), 3);
+    EXPECT_EQ(view.AddRealCols(std::vector<std::string>{"X", "Y"}, {90}), 2);
+    const char* labels[] = {"Z", nullptr};
+    EXPECT_EQ(view.AddRealCols(labels, 2), 2);
+    const std::vector<unsigned int> ids{26008};
+    EXPECT_EQ(view.AddRealCols(ids), 1);
+
+    const char* expected[] = {"All", "Selected", "Checked", "X", "Y", "Z", "", "[All columns]"};
+    ASSERT_EQ(view.GetRealColumns(), 8u);
+    for (unsigned int c = 0; c < 8; ++c)
+        EXPECT_EQ(view.GetRealCol(c)->GetLabel(), expected[c]) << c;
+    EXPECT_EQ(view.GetRealCol(1)->GetAlignment(), LVCFMT_CENTER);
+    EXPECT_TRUE(view.GetRealCol(1)->IsHidden() && view.GetRealCol(1)->GetHiddenDefault());
+    EXPECT_EQ(view.GetRealCol(2)->GetWidthDefault(), 70);
+    EXPECT_EQ(view.GetRealCol(3)->GetWidth(), 90);
+    EXPECT_EQ(view.GetRealCol(4)->GetWidth(), 80);
+    EXPECT_EQ(view.GetRealCol(4)->GetAlignment(), LVCFMT_LEFT);
+    EXPECT_EQ(view.GetColumnCount(), 7);
+    EXPECT_EQ(view.GetColumnLabel(1), "Checked");
+    EXPECT_EQ(view.model()->headerData(0, Qt::Horizontal, Qt::TextAlignmentRole).toInt(),
+              int(Qt::AlignRight | Qt::AlignVCenter));
+
+    // The view owns what it holds: adding it again is refused.
+    EXPECT_EQ(view.AddRealCol(view.GetRealCol(0)), 0xFFFFFFFFu);
+    auto* item = new TextItem({"a"});
+    EXPECT_EQ(view.AddRealItem(item), 0u);
+    EXPECT_EQ(view.AppendRealItem(item), 0xFFFFFFFFu);
+    EXPECT_EQ(view.AddRealItem(nullptr), 0xFFFFFFFFu);
+    EXPECT_EQ(view.GetRealItemCount(), 1u);
+}
+
 // ---------------------------------------------------------------------------
 // Notifications
 
