@@ -455,18 +455,23 @@ TEST_F(ShownView, HiddenRowsLeaveTheScreenDeletedOnesNeverReturn)
     EXPECT_EQ(view.CompleteItemFromScreen(3, complete), 0);
 }
 
-TEST_F(ShownView, CellColoursComeFromTheItemHook)
+TEST_F(ShownView, CellColoursAndOwnerDrawingComeFromTheItemHooks)
 {
     auto* item = static_cast<TextItem*>(view.GetRealItem(1));
     item->colorCol = 2;
     item->backColor = NyrRGB(255, 0, 0);
+    static_cast<TextItem*>(view.GetRealItem(3))->ownerDrawCol = 1;
     view.RefreshRealItem(1);
     const QImage image = view.viewport()->grab().toImage();
-    const QRect cell = view.visualRect(view.model()->index(1, 2));
-    const QColor painted = image.pixelColor(cell.right() - 2, cell.center().y());
-    EXPECT_EQ(painted, QColor(255, 0, 0));
-    const QRect other = view.visualRect(view.model()->index(2, 2));
-    EXPECT_NE(image.pixelColor(other.right() - 2, other.center().y()), QColor(255, 0, 0));
+    auto pixel = [&](int row, int col) {
+        const QRect cell = view.visualRect(view.model()->index(row, col));
+        return image.pixelColor(cell.right() - 2, cell.center().y());
+    };
+    EXPECT_EQ(pixel(1, 2), QColor(255, 0, 0));
+    EXPECT_NE(pixel(2, 2), QColor(255, 0, 0));
+    EXPECT_NE(pixel(1, 1), QColor(255, 0, 0));
+    EXPECT_EQ(pixel(3, 1), QColor(0, 0, 255));
+    EXPECT_NE(pixel(3, 2), QColor(0, 0, 255));
 }
 
 // ---------------------------------------------------------------------------

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QObject>
+#include <QPainter>
+#include <QStyleOptionViewItem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -55,7 +57,17 @@ public:
         }
     }
 
+    int OnGetItemOwnerDraw(unsigned int, unsigned int, unsigned int realCol, unsigned int, QPainter* painter,
+                           const QStyleOptionViewItem& option) override
+    {
+        if (realCol != ownerDrawCol)
+            return 0;
+        painter->fillRect(option.rect, QColor(0, 0, 255));
+        return 1;
+    }
+
     bool vetoHide = false;
+    unsigned int ownerDrawCol = 0xFFFFFFFFu;
     bool vetoDelete = false;
     unsigned int colorCol = 0xFFFFFFFFu;
     unsigned int textColor = NYR_CLR_DEFAULT;
