@@ -208,8 +208,10 @@ CNyrReportView::CNyrReportView(QWidget* parent) : CNyrListView(parent, nullptr),
             d->Col(d->RealColOf(static_cast<ScreenCol>(screenCol)))->m_width = width;
     });
     // The order is read once the header has applied the move.
-    connect(horizontalHeader(), &QHeaderView::sectionMoved, this,
-            [this] { NyrPostMessage(this, WM_NYR_REPORTVIEW_POST_HDN_ENDDRAG, reinterpret_cast<quintptr>(this)); });
+    connect(horizontalHeader(), &QHeaderView::sectionMoved, this, [this] {
+        if (!d->applyingColumns)
+            NyrPostMessage(this, WM_NYR_REPORTVIEW_POST_HDN_ENDDRAG, reinterpret_cast<quintptr>(this));
+    });
     connect(horizontalHeader(), &QWidget::customContextMenuRequested, this,
             [this](const QPoint& pos) { ShowContextMenu(horizontalHeader()->mapToGlobal(pos)); });
 }
@@ -502,11 +504,13 @@ void CNyrReportView::DisplayRealCols()
     std::vector<RealCol> byOrder = visible;
     std::stable_sort(byOrder.begin(), byOrder.end(),
                      [this](RealCol a, RealCol b) { return d->Col(a)->GetOrder() < d->Col(b)->GetOrder(); });
-    const QSignalBlocker blocker(header);
+    // The order fields are the source here: no end-of-drag reading back.
+    d->applyingColumns = true;
     for (std::size_t v = 0; v < byOrder.size(); ++v) {
         const int logical = IxInt(d->realToScreenCol[Ix(byOrder[v])]);
         header->moveSection(header->visualIndex(logical), static_cast<int>(v));
     }
+    d->applyingColumns = false;
     for (std::size_t s = 0; s < d->screenToRealCol.size(); ++s)
         header->resizeSection(static_cast<int>(s), d->Col(d->screenToRealCol[s])->GetWidth());
     d->ResyncQtSelection();

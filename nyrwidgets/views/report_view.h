@@ -21,7 +21,9 @@ class QMenu;
 // The screen shows the visible real items (neither hidden nor deleted) in the
 // order of the sort state, and the visible real columns in real order, the
 // header's display order on top. Screen rows are computed from the
-// screen-to-real map when drawn, never created one by one.
+// screen-to-real map when drawn, never created one by one. Per item the view
+// keeps 16 bytes (the item pointer and one entry in each of the two maps),
+// Qt's table 8 more for the row, and a sort 16 more while it runs.
 //
 // Two index spaces, never mixed: operations and hooks named ...Real... take
 // and give real indexes (unsigned; -1 in an int result means none); all
@@ -35,7 +37,9 @@ class QMenu;
 // The state operations (Select..., Check..., Disable..., Hide...) take a
 // `notify` argument: with 0 the subscribers and the view's On...RealItem
 // hooks are not told (the item's own hooks always run). A suppress switch
-// turns notify off for its kind of change.
+// turns notify off for its kind of change. Changes made through the item's
+// own operations (CNyrReportViewItem::SelectItem, ...) reach neither the
+// screen nor the subscribers until the view redraws or rebuilds its rows.
 class NYR_EXPORT CNyrReportView : public CNyrListView
 {
     Q_OBJECT

@@ -186,6 +186,8 @@ struct CNyrReportView::Private
     // far as the view changed them. While 0, rebuilding Qt's selection needs
     // no pass over the items.
     std::size_t selectedBits = 0;
+    // Set while DisplayRealCols moves header sections to the order fields.
+    bool applyingColumns = false;
     // Set while a batch of selection changes runs: Qt's selection is rebuilt
     // once at the end instead of row by row.
     bool batchSelection = false;
