@@ -1,0 +1,568 @@
+#include "nyrwidgets/views/list_view.h"
+
+#include <QAbstractTableModel>
+#include <QItemSelectionModel>
+#include <cstring>
+#include <numeric>
+
+#include "nyrwidgets/frame/wait_cursor.h"
+#include "nyrwidgets/views/header_ctrl_sort.h"
+#include "nyrwidgets/views/intro_sort_p.h"
+#include "nyrwidgets/views/list_view_p.h"
+
+namespace {
+
+// The plain list control: columns and rows of texts held by the model.
+class CNyrListCtrlModel : public QAbstractTableModel
+{
+public:
+    struct Column
+    {
+        std::string label;
+        int alignment;
+    };
+    struct Row
+    {
+        std::vector<std::string> texts;  // one per column; shorter when the tail is empty
+        quintptr data = 0;
+        bool checked = false;
+    };
+
+    explicit CNyrListCtrlModel(const CNyrListView* view) : m_view(view) {}
+
+    std::vector<Column> columns;
+    std::vector<Row> rows;
+
+    const std::string& Text(int row, int col) const
+    {
+        static const std::string empty;
+        const auto& texts = rows[static_cast<std::size_t>(row)].texts;
+        return static_cast<std::size_t>(col) < texts.size() ? texts[static_cast<std::size_t>(col)] : empty;
+    }
+
+    int rowCount(const QModelIndex& parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(rows.size());
+    }
+    int columnCount(const QModelIndex& parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(columns.size());
+    }
+
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        if (!index.isValid())
+            return {};
+        switch (role) {
+        case Qt::DisplayRole:
+            return QString::fromStdString(Text(index.row(), index.column()));
+        case Qt::CheckStateRole:
+            if (index.column() == 0 && m_view->HasCheckBoxes())
+                return rows[static_cast<std::size_t>(index.row())].checked ? Qt::Checked : Qt::Unchecked;
+            return {};
+        case Qt::TextAlignmentRole:
+            return static_cast<int>(
+                nyr::views_detail::QtAlignment(columns[static_cast<std::size_t>(index.column())].alignment));
+        default:
+            return {};
+        }
+    }
+
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override
+    {
+        if (!index.isValid() || role != Qt::CheckStateRole)
+            return false;
+        rows[static_cast<std::size_t>(index.row())].checked = value.toInt() == Qt::Checked;
+        emit dataChanged(index, index, {Qt::CheckStateRole});
+        return true;
+    }
+
+    Qt::ItemFlags flags(const QModelIndex& index) const override
+    {
+        if (!index.isValid())
+            return Qt::NoItemFlags;
+        Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+        if (index.column() == 0 && m_view->HasCheckBoxes())
+            f |= Qt::ItemIsUserCheckable;
+        return f;
+    }
+
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+    {
+        if (orientation != Qt::Horizontal || section < 0 || section >= columnCount())
+            return {};
+        const Column& c = columns[static_cast<std::size_t>(section)];
+        if (role == Qt::DisplayRole)
+            return QString::fromStdString(c.label);
+        if (role == Qt::TextAlignmentRole)
+            return static_cast<int>(nyr::views_detail::QtAlignment(c.alignment));
+        return {};
+    }
+
+    void InsertColumnAt(int col, Column column)
+    {
+        beginInsertColumns({}, col, col);
+        columns.insert(columns.begin() + col, std::move(column));
+        for (Row& r : rows) {
+            if (static_cast<std::size_t>(col) < r.texts.size())
+                r.texts.insert(r.texts.begin() + col, std::string());
+        }
+        endInsertColumns();
+    }
+
+    void RemoveColumnAt(int col)
+    {
+        beginRemoveColumns({}, col, col);
+        columns.erase(columns.begin() + col);
+        for (Row& r : rows) {
+            if (static_cast<std::size_t>(col) < r.texts.size())
+                r.texts.erase(r.texts.begin() + col);
+        }
+        endRemoveColumns();
+    }
+
+    void InsertRowAt(int row, Row r)
+    {
+        beginInsertRows({}, row, row);
+        rows.insert(rows.begin() + row, std::move(r));
+        endInsertRows();
+    }
+
+    void RemoveRowAt(int row)
+    {
+        beginRemoveRows({}, row, row);
+        rows.erase(rows.begin() + row);
+        endRemoveRows();
+    }
+
+    void RemoveAllRows()
+    {
+        beginResetModel();
+        rows.clear();
+        endResetModel();
+    }
+
+    void CellChanged(int row, int col)
+    {
+        const QModelIndex i = index(row, col);
+        emit dataChanged(i, i, {Qt::DisplayRole});
+    }
+
+    // Puts the rows in the order given (order[newRow] = oldRow); persistent
+    // indexes (selection, focus) follow their rows.
+    void ApplyRowOrder(const std::vector<int>& order)
+    {
+        emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+        std::vector<int> newRowOf(order.size());
+        std::vector<Row> sorted;
+        sorted.reserve(rows.size());
+        for (std::size_t newRow = 0; newRow < order.size(); ++newRow) {
+            newRowOf[static_cast<std::size_t>(order[newRow])] = static_cast<int>(newRow);
+            sorted.push_back(std::move(rows[static_cast<std::size_t>(order[newRow])]));
+        }
+        rows = std::move(sorted);
+        const QModelIndexList from = persistentIndexList();
+        QModelIndexList to;
+        to.reserve(from.size());
+        for (const QModelIndex& i : from)
+            to.append(index(newRowOf[static_cast<std::size_t>(i.row())], i.column()));
+        changePersistentIndexList(from, to);
+        emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    }
+
+private:
+    const CNyrListView* m_view;
+};
+
+bool RowInRange(int row, int count)
+{
+    return row >= 0 && row < count;
+}
+
+}  // namespace
+
+Qt::Alignment nyr::views_detail::QtAlignment(int lvcfmt)
+{
+    switch (lvcfmt) {
+    case LVCFMT_RIGHT: return Qt::AlignRight | Qt::AlignVCenter;
+    case LVCFMT_CENTER: return Qt::AlignHCenter | Qt::AlignVCenter;
+    default: return Qt::AlignLeft | Qt::AlignVCenter;
+    }
+}
+
+struct CNyrListView::Private
+{
+    CNyrListCtrlModel* plain = nullptr;  // the model when the view is a plain list, else null
+    CNyrHeaderCtrlSort* header = nullptr;
+    std::vector<SORT_STATE_SCREENCOL> sortState;  // screen form of the state shown by the header marks
+    std::vector<QIcon> images;
+    std::string inifileSection;  // empty: the class name
+    bool checkBoxes = false;
+    bool suppressSelect = false;
+    bool suppressCheck = false;
+    // The one saved copy of the switches; valid while hasSaved.
+    bool hasSaved = false;
+    bool savedSelect = false;
+    bool savedCheck = false;
+};
+
+CNyrListView::CNyrListView(QWidget* parent) : QTableView(parent), d(new Private)
+{
+    d->plain = new CNyrListCtrlModel(this);
+    d->plain->setParent(this);
+    Init(d->plain);
+}
+
+CNyrListView::CNyrListView(QWidget* parent, QAbstractItemModel* model) : QTableView(parent), d(new Private)
+{
+    Init(model);
+}
+
+CNyrListView::~CNyrListView() = default;
+
+void CNyrListView::Init(QAbstractItemModel* model)
+{
+    d->header = new CNyrHeaderCtrlSort(this);
+    setHorizontalHeader(d->header);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setShowGrid(false);
+    setWordWrap(false);
+    setSortingEnabled(false);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    verticalHeader()->hide();
+    // Rows of one fixed height: the view never measures rows one by one.
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    d->header->setStretchLastSection(false);
+    if (model)
+        setModel(model);
+    connect(d->header, &QHeaderView::sectionClicked, this, [this](int section) { OnHeaderClick(section); });
+}
+
+int CNyrListView::GetItemCount() const
+{
+    return d->plain ? static_cast<int>(d->plain->rows.size()) : 0;
+}
+
+int CNyrListView::GetColumnCount() const
+{
+    return d->plain ? static_cast<int>(d->plain->columns.size()) : 0;
+}
+
+std::string CNyrListView::GetItemText(int screenItem, int screenCol) const
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()) || !RowInRange(screenCol, GetColumnCount()))
+        return {};
+    return d->plain->Text(screenItem, screenCol);
+}
+
+std::string CNyrListView::GetColumnLabel(int screenCol) const
+{
+    if (!d->plain || !RowInRange(screenCol, GetColumnCount()))
+        return {};
+    return d->plain->columns[static_cast<std::size_t>(screenCol)].label;
+}
+
+int CNyrListView::GetColumnOrder(int screenCol) const
+{
+    if (!RowInRange(screenCol, model()->columnCount()))
+        return -1;
+    return d->header->visualIndex(screenCol);
+}
+
+unsigned int CNyrListView::GetItemState(int screenItem, unsigned int mask) const
+{
+    if (!RowInRange(screenItem, model()->rowCount()))
+        return 0;
+    unsigned int state = 0;
+    const QModelIndex i = model()->index(screenItem, 0);
+    if (selectionModel()->isSelected(i))
+        state |= LVIS_SELECTED;
+    if (currentIndex().isValid() && currentIndex().row() == screenItem)
+        state |= LVIS_FOCUSED;
+    return state & mask;
+}
+
+int CNyrListView::SetItemState(int screenItem, unsigned int state, unsigned int mask)
+{
+    if (!RowInRange(screenItem, model()->rowCount()))
+        return 0;
+    const QModelIndex i = model()->index(screenItem, 0);
+    if (mask & LVIS_SELECTED) {
+        selectionModel()->select(i, ((state & LVIS_SELECTED) ? QItemSelectionModel::Select
+                                                             : QItemSelectionModel::Deselect) |
+                                        QItemSelectionModel::Rows);
+    }
+    if (mask & LVIS_FOCUSED) {
+        if (state & LVIS_FOCUSED)
+            selectionModel()->setCurrentIndex(i, QItemSelectionModel::NoUpdate);
+        else if (currentIndex().row() == screenItem)
+            selectionModel()->setCurrentIndex(QModelIndex(), QItemSelectionModel::NoUpdate);
+    }
+    return 1;
+}
+
+int CNyrListView::GetCheck(int screenItem) const
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()))
+        return 0;
+    return d->plain->rows[static_cast<std::size_t>(screenItem)].checked ? 1 : 0;
+}
+
+int CNyrListView::SetCheck(int screenItem, int check)
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()))
+        return 0;
+    d->plain->setData(d->plain->index(screenItem, 0), check ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
+    return 1;
+}
+
+int CNyrListView::GetFocusedItem() const
+{
+    const QModelIndex i = currentIndex();
+    return i.isValid() ? i.row() : -1;
+}
+
+void CNyrListView::EnsureVisible(int screenItem)
+{
+    if (RowInRange(screenItem, model()->rowCount()))
+        scrollTo(model()->index(screenItem, horizontalHeader()->logicalIndexAt(0) >= 0
+                                                ? horizontalHeader()->logicalIndexAt(0)
+                                                : 0));
+}
+
+CNyrHeaderCtrlSort* CNyrListView::GetHeaderCtrl() const
+{
+    return d->header;
+}
+
+void CNyrListView::SetCheckBoxes(bool on)
+{
+    if (d->checkBoxes == on)
+        return;
+    d->checkBoxes = on;
+    viewport()->update();
+}
+
+bool CNyrListView::HasCheckBoxes() const
+{
+    return d->checkBoxes;
+}
+
+void CNyrListView::SetImageList(std::vector<QIcon> images)
+{
+    d->images = std::move(images);
+    viewport()->update();
+}
+
+const std::vector<QIcon>& CNyrListView::GetImageList() const
+{
+    return d->images;
+}
+
+void CNyrListView::SetInifileSection(const std::string& section)
+{
+    d->inifileSection = section;
+}
+
+std::string CNyrListView::InifileSection() const
+{
+    return d->inifileSection.empty() ? std::string(metaObject()->className()) : d->inifileSection;
+}
+
+void CNyrListView::SetSuppressSelectNotifications(bool suppress)
+{
+    d->suppressSelect = suppress;
+}
+
+bool CNyrListView::GetSuppressSelectNotifications() const
+{
+    return d->suppressSelect;
+}
+
+void CNyrListView::SetSuppressCheckNotifications(bool suppress)
+{
+    d->suppressCheck = suppress;
+}
+
+bool CNyrListView::GetSuppressCheckNotifications() const
+{
+    return d->suppressCheck;
+}
+
+void CNyrListView::SetSuppressAllNotifications(bool suppress)
+{
+    d->suppressSelect = suppress;
+    d->suppressCheck = suppress;
+}
+
+bool CNyrListView::GetSuppressAllNotifications() const
+{
+    return d->suppressSelect && d->suppressCheck;
+}
+
+void CNyrListView::SaveAllSuppressNotifications()
+{
+    d->hasSaved = true;
+    d->savedSelect = d->suppressSelect;
+    d->savedCheck = d->suppressCheck;
+}
+
+int CNyrListView::RestoreAllSuppressNotifications()
+{
+    if (!d->hasSaved)
+        return 0;
+    d->hasSaved = false;
+    d->suppressSelect = d->savedSelect;
+    d->suppressCheck = d->savedCheck;
+    return 1;
+}
+
+bool CNyrListView::HasSavedSuppressNotifications() const
+{
+    return d->hasSaved;
+}
+
+void CNyrListView::ShowSortMarks(const std::vector<SORT_STATE_SCREENCOL>& state)
+{
+    d->sortState = state;
+    std::vector<CNyrHeaderCtrlSort::SORT_COL> marks;
+    for (const SORT_STATE_SCREENCOL& s : state) {
+        if (s.screenCol == 0xFFFFFFFFu)
+            break;
+        if (s.screenCol < static_cast<unsigned int>(model()->columnCount()))
+            marks.push_back({static_cast<int>(s.screenCol), s.ascending});
+    }
+    d->header->SetSortColumns(marks);
+}
+
+void CNyrListView::GetSortState(std::vector<SORT_STATE_SCREENCOL>& state) const
+{
+    state = d->sortState;
+}
+
+void CNyrListView::OnHeaderClick(int screenCol)
+{
+    if (screenCol < 0)
+        return;
+    const auto col = static_cast<unsigned int>(screenCol);
+    const bool same = d->sortState.size() == 1 && d->sortState[0].screenCol == col;
+    SortList({SORT_STATE_SCREENCOL{col, same ? !d->sortState[0].ascending : 1}});
+}
+
+void CNyrListView::SortList(const std::vector<SORT_STATE_SCREENCOL>& state)
+{
+    ShowSortMarks(state);
+    if (!d->plain || d->plain->rows.size() < 2)
+        return;
+    CNyrWaitCursor wait;
+    // Rows are compared by their positions before the sort; equal rows keep
+    // their order.
+    std::vector<int> order(d->plain->rows.size());
+    std::iota(order.begin(), order.end(), 0);
+    nyr::NyrIntroSort(order.begin(), order.end(), [this, &state](int a, int b) {
+        for (const SORT_STATE_SCREENCOL& s : state) {
+            if (s.screenCol == 0xFFFFFFFFu)
+                break;
+            const int r = OnCompareItems(a, b, s.screenCol);
+            if (r != 0)
+                return s.ascending ? r < 0 : r > 0;
+        }
+        return a < b;
+    });
+    d->plain->ApplyRowOrder(order);
+}
+
+int CNyrListView::OnCompareItems(int item1, int item2, unsigned int screenCol)
+{
+    if (!d->plain || screenCol >= d->plain->columns.size())
+        return 0;
+    const int r = std::strcmp(d->plain->Text(item1, static_cast<int>(screenCol)).c_str(),
+                              d->plain->Text(item2, static_cast<int>(screenCol)).c_str());
+    return (r > 0) - (r < 0);
+}
+
+int CNyrListView::InsertColumn(int screenCol, const std::string& label, int alignment, int width)
+{
+    if (!d->plain || screenCol < 0)
+        return -1;
+    const int col = std::min(screenCol, GetColumnCount());
+    d->plain->InsertColumnAt(col, {label, alignment});
+    d->header->resizeSection(col, width);
+    return col;
+}
+
+int CNyrListView::DeleteColumn(int screenCol)
+{
+    if (!d->plain || !RowInRange(screenCol, GetColumnCount()))
+        return 0;
+    d->plain->RemoveColumnAt(screenCol);
+    return 1;
+}
+
+int CNyrListView::InsertItem(int screenItem, const std::string& text)
+{
+    if (!d->plain || screenItem < 0)
+        return -1;
+    const int row = std::min(screenItem, GetItemCount());
+    CNyrListCtrlModel::Row r;
+    r.texts.push_back(text);
+    d->plain->InsertRowAt(row, std::move(r));
+    return row;
+}
+
+int CNyrListView::SetItemText(int screenItem, int screenCol, const std::string& text)
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()) || !RowInRange(screenCol, GetColumnCount()))
+        return 0;
+    auto& texts = d->plain->rows[static_cast<std::size_t>(screenItem)].texts;
+    if (texts.size() <= static_cast<std::size_t>(screenCol))
+        texts.resize(static_cast<std::size_t>(screenCol) + 1);
+    texts[static_cast<std::size_t>(screenCol)] = text;
+    d->plain->CellChanged(screenItem, screenCol);
+    return 1;
+}
+
+int CNyrListView::DeleteItem(int screenItem)
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()))
+        return 0;
+    d->plain->RemoveRowAt(screenItem);
+    return 1;
+}
+
+int CNyrListView::DeleteAllItems()
+{
+    if (!d->plain)
+        return 0;
+    d->plain->RemoveAllRows();
+    return 1;
+}
+
+int CNyrListView::SetItemData(int screenItem, quintptr value)
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()))
+        return 0;
+    d->plain->rows[static_cast<std::size_t>(screenItem)].data = value;
+    return 1;
+}
+
+quintptr CNyrListView::GetItemData(int screenItem) const
+{
+    if (!d->plain || !RowInRange(screenItem, GetItemCount()))
+        return 0;
+    return d->plain->rows[static_cast<std::size_t>(screenItem)].data;
+}
+
+int CNyrListView::FindItemByData(quintptr value) const
+{
+    if (!d->plain)
+        return -1;
+    for (std::size_t i = 0; i < d->plain->rows.size(); ++i) {
+        if (d->plain->rows[i].data == value)
+            return static_cast<int>(i);
+    }
+    return -1;
+}

@@ -1,0 +1,177 @@
+#include "nyrwidgets/views/report_view_item.h"
+
+#include "nyr/time/time.h"
+
+CNyrReportViewItem::~CNyrReportViewItem() = default;
+
+int CNyrReportViewItem::HideItem(int hide, int notify)
+{
+    if (IsHidden() == (hide != 0))
+        return 1;
+    if (IsDeleted())
+        return 0;
+    if (notify && !OnHideItem(hide))
+        return 0;
+    if (hide)
+        m_modelFlags |= FlagHidden;
+    else
+        m_modelFlags &= ~FlagHidden;
+    return 1;
+}
+
+int CNyrReportViewItem::DeleteItem(int notify)
+{
+    if (IsDeleted())
+        return 1;
+    if (notify && !OnDeleteItem())
+        return 0;
+    m_modelFlags |= FlagDeleted;
+    return 1;
+}
+
+void CNyrReportViewItem::CheckItem(int check, int notify)
+{
+    // Compared with IsChecked(), which is false for a hidden item: intended.
+    if (IsChecked() == (check != 0) || IsDeleted())
+        return;
+    if (notify)
+        OnCheckItem(check);
+    if (check)
+        m_modelFlags |= FlagChecked;
+    else
+        m_modelFlags &= ~FlagChecked;
+}
+
+void CNyrReportViewItem::SelectItem(int select, int notify)
+{
+    if (IsSelected() == (select != 0) || IsDeleted())
+        return;
+    if (select && IsDisabled())
+        return;
+    if (notify)
+        OnSelectItem(select);
+    if (select)
+        m_itemState |= StateSelected;
+    else
+        m_itemState &= ~StateSelected;
+}
+
+void CNyrReportViewItem::DisableItem(int disable, int notify)
+{
+    if (IsDisabled() == (disable != 0) || IsDeleted())
+        return;
+    if (disable && IsSelected())
+        SelectItem(0, notify);
+    if (notify)
+        OnDisableItem(disable);
+    if (disable)
+        m_itemState |= StateDisabled;
+    else
+        m_itemState &= ~StateDisabled;
+}
+
+int CNyrReportViewItem::OnHideItem(int)
+{
+    return 1;
+}
+
+int CNyrReportViewItem::OnDeleteItem()
+{
+    return 1;
+}
+
+void CNyrReportViewItem::OnCheckItem(int) {}
+
+void CNyrReportViewItem::OnSelectItem(int) {}
+
+void CNyrReportViewItem::OnDisableItem(int) {}
+
+int CNyrReportViewItem::OnGetItemImage(unsigned int, unsigned int)
+{
+    return -1;
+}
+
+int CNyrReportViewItem::OnGetItemText(unsigned int, unsigned int, std::string& text)
+{
+    text.clear();
+    return 0;
+}
+
+void CNyrReportViewItem::OnGetItemText(unsigned int, unsigned int) {}
+
+int CNyrReportViewItem::OnGetMainItemText(unsigned int realCol, std::string& text)
+{
+    return OnGetItemText(realCol, 0, text);
+}
+
+void CNyrReportViewItem::OnGetItemColor(unsigned int, unsigned int, unsigned int, unsigned int, unsigned int&,
+                                        unsigned int&)
+{
+}
+
+int CNyrReportViewItem::OnGetItemOwnerDraw(unsigned int, unsigned int, unsigned int, unsigned int, QPainter*,
+                                           const QStyleOptionViewItem&)
+{
+    return 0;
+}
+
+int CNyrReportViewItem::OnGetItemToolTip(unsigned int, unsigned int, std::string& text)
+{
+    text.clear();
+    return 0;
+}
+
+int CNyrReportViewItem::OnCompareItem(const CNyrReportViewItem*, unsigned int)
+{
+    return 0;
+}
+
+QPointer<QObject> CNyrReportViewItem::OnGetItemDocument(unsigned int)
+{
+    return {};
+}
+
+int CNyrReportViewItem::Compare(const CNyrTime& a, const CNyrTime& b)
+{
+    return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::Compare(const CTime& a, const CTime& b)
+{
+    return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::Compare(const COleDateTime& a, const COleDateTime& b)
+{
+    return NyrCompare(a, b);
+}
+
+int CNyrReportViewItem::CompareDatePart(const CNyrTime& a, const CNyrTime& b)
+{
+    return NyrCompareDatePart(a, b);
+}
+
+int CNyrReportViewItem::CompareDatePart(const CTime& a, const CTime& b)
+{
+    return NyrCompareDatePart(a, b);
+}
+
+int CNyrReportViewItem::CompareDatePart(const COleDateTime& a, const COleDateTime& b)
+{
+    return NyrCompareDatePart(a, b);
+}
+
+int CNyrReportViewItem::CompareTimePart(const CNyrTime& a, const CNyrTime& b)
+{
+    return NyrCompareTimePart(a, b);
+}
+
+int CNyrReportViewItem::CompareTimePart(const CTime& a, const CTime& b)
+{
+    return NyrCompareTimePart(a, b);
+}
+
+int CNyrReportViewItem::CompareTimePart(const COleDateTime& a, const COleDateTime& b)
+{
+    return NyrCompareTimePart(a, b);
+}

@@ -1,0 +1,198 @@
+// Sorting of CNyrReportView: the sort state, the header marks, the stored
+// "SortState" and the header click rules.
+#include "nyr/frame/notifications.h"
+#include "nyr/util/profile_entries.h"
+#include "nyrwidgets/frame/wait_cursor.h"
+#include "nyrwidgets/views/header_ctrl_sort.h"
+#include "nyrwidgets/views/report_view_p.h"
+#include "nyrwidgets/views/report_view_sort_multiple_dlg.h"
+
+using nyr::views_detail::Ix;
+using nyr::views_detail::kOffScreenCol;
+using SORT_STATE_REALCOL = CNyrReportView::SORT_STATE_REALCOL;
+using SORT_STATE_SCREENCOL = CNyrListView::SORT_STATE_SCREENCOL;
+
+namespace {
+
+int& SerializeSortStateDefault()
+{
+    static int value = 0;
+    return value;
+}
+
+bool SameState(const std::vector<SORT_STATE_REALCOL>& a, const std::vector<SORT_STATE_REALCOL>& b)
+{
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i].realCol != b[i].realCol || (a[i].ascending != 0) != (b[i].ascending != 0))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void CNyrReportView::Private::UpdateSortMarks()
+{
+    // Keys on columns that are not on screen cannot be marked; the marks stop
+    // where the state does.
+    std::vector<SORT_STATE_SCREENCOL> screen;
+    for (const SORT_STATE_REALCOL& key : sortState) {
+        if (key.realCol == 0xFFFFFFFFu)
+            break;
+        if (key.realCol < cols.size() && realToScreenCol[key.realCol] != kOffScreenCol)
+            screen.push_back({Ix(realToScreenCol[key.realCol]), key.ascending});
+    }
+    q->ShowSortMarks(screen);
+}
+
+void CNyrReportView::SortList(const std::vector<SORT_STATE_REALCOL>& state)
+{
+    // Three sort columns at most: a longer state is ignored. Intended.
+    if (state.size() > 3)
+        return;
+    CNyrWaitCursor wait;
+    d->sortState = state;
+    d->UpdateSortMarks();
+    d->ResortScreen();
+    if (d->serializeSortState)
+        StoreSortState();
+    OnSortOrderChanged();
+}
+
+void CNyrReportView::SortList(const std::vector<SORT_STATE_SCREENCOL>& state)
+{
+    std::vector<SORT_STATE_REALCOL> real;
+    for (const SORT_STATE_SCREENCOL& key : state) {
+        if (key.screenCol == 0xFFFFFFFFu)
+            break;
+        const int realCol = RealColFromScreen(static_cast<int>(key.screenCol));
+        if (realCol < 0)
+            break;
+        real.push_back({static_cast<unsigned int>(realCol), key.ascending});
+    }
+    SortList(real);
+}
+
+void CNyrReportView::GetSortState(std::vector<SORT_STATE_REALCOL>& state) const
+{
+    state = d->sortState;
+}
+
+void CNyrReportView::SetUnsortedState()
+{
+    d->sortState.clear();
+    d->UpdateSortMarks();
+}
+
+void CNyrReportView::RefreshHeaderSortedState()
+{
+    d->UpdateSortMarks();
+}
+
+void CNyrReportView::HideHeaderSortedState()
+{
+    ShowSortMarks({});
+}
+
+int CNyrReportView::StoreSortState()
+{
+    std::vector<int> values;
+    values.reserve(2 * d->sortState.size());
+    for (const SORT_STATE_REALCOL& key : d->sortState) {
+        values.push_back(static_cast<int>(key.realCol));
+        values.push_back(key.ascending ? 1 : 0);
+    }
+    return CNyrProfileEntries::WriteNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewSortState(),
+                                                       values);
+}
+
+int CNyrReportView::LoadSortState(std::vector<SORT_STATE_REALCOL>& state)
+{
+    state.clear();
+    std::vector<int> values;
+    CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewSortState(), values);
+    if (values.empty() || values.size() % 2 != 0)
+        return 0;
+    const auto columns = static_cast<long long>(d->cols.size());
+    for (std::size_t i = 0; i < values.size(); i += 2) {
+        // A column equal to the column count passes: intended (the bound is
+        // kept as it always was).
+        if (values[i] < 0 || values[i] > columns) {
+            state.clear();
+            return 0;
+        }
+        state.push_back({static_cast<unsigned int>(values[i]), values[i + 1] != 0 ? 1 : 0});
+    }
+    return 1;
+}
+
+void CNyrReportView::SetSerializeSortState(int serialize)
+{
+    d->serializeSortState = serialize;
+}
+
+int CNyrReportView::GetSerializeSortState() const
+{
+    return d->serializeSortState;
+}
+
+void CNyrReportView::SetSerializeSortStateDefault(int serialize)
+{
+    SerializeSortStateDefault() = serialize;
+}
+
+int CNyrReportView::GetSerializeSortStateDefault()
+{
+    return SerializeSortStateDefault();
+}
+
+int CNyrReportView::SortMultiple()
+{
+    CNyrReportViewSortMultipleDlg dialog(this);
+    if (dialog.exec() != QDialog::Accepted)
+        return 0;
+    SortList(dialog.GetSortState());
+    return 1;
+}
+
+void CNyrReportView::OnHeaderClick(int screenCol)
+{
+    const int realCol = RealColFromScreen(screenCol);
+    if (realCol < 0)
+        return;
+    const auto r = static_cast<unsigned int>(realCol);
+    // The same single column again inverts the direction; any other column
+    // starts ascending. A click never goes back to the unsorted order.
+    const bool same = d->sortState.size() == 1 && d->sortState[0].realCol == r;
+    SortList(std::vector<SORT_STATE_REALCOL>{{r, same ? !d->sortState[0].ascending : 1}});
+}
+
+bool CNyrReportView::SortByMenuColumn(unsigned int message)
+{
+    if (d->menuRealCol < 0)
+        return false;
+    const auto r = static_cast<unsigned int>(d->menuRealCol);
+    std::vector<SORT_STATE_REALCOL> state;
+    if (message == WM_NYR_REPORTVIEW_SORT_ASCENDING)
+        state.push_back({r, 1});
+    else if (message == WM_NYR_REPORTVIEW_SORT_DESCENDING)
+        state.push_back({r, 0});
+    if (!SameState(state, d->sortState))
+        SortList(state);
+    return true;
+}
+
+void CNyrReportView::RestoreLayout()
+{
+    if (!d->serializeSortState)
+        return;
+    std::vector<SORT_STATE_REALCOL> state;
+    if (LoadSortState(state) && state.size() <= 3) {
+        d->sortState = state;
+        d->UpdateSortMarks();
+        if (!d->screenToRealItem.empty())
+            d->ResortScreen();
+    }
+}
