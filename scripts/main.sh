@@ -3,7 +3,8 @@
 # showing the library at work, one subsystem after the other.
 set -euo pipefail
 source "$(dirname "$0")/setup.sh"
-build=${NYR_BUILD_DIR:-$NYR_ROOT/build}
+# Its own build folder: the test build keeps its tests configured.
+build=${NYR_BUILD_DIR:-$NYR_ROOT/build-main}
 nyr_setup main "$build" -DNYR_BUILD_TESTS=OFF
 nyr="$build/apps/nyr/nyr"
 show() { echo "\$ nyr $*"; "$nyr" "$@"; echo; }
