@@ -427,6 +427,19 @@ int CompareTimePart(const T& a, const T& b)
 
 int NyrCompare(const CNyrTime& a, const CNyrTime& b)
 {
+    // The MJD follows local civil time, which is the seconds count shifted by
+    // the zone's offset at that instant; no zone rule shifts by 25 hours or
+    // more, so two offsets differ by less than three days. Points further
+    // apart than that compare as their seconds do, without the local-time
+    // breakdown that makes up most of an MJD (sorted time columns compare
+    // mostly such pairs). Near the ends of the breakdown's range, where an
+    // MJD reads 0.0, the MJD decides as everywhere else.
+    constexpr int64_t kThreeDays = 3 * 86400;
+    constexpr int64_t kFirst = -62135596800 + kThreeDays;  // 0001-01-01 00:00 UTC
+    constexpr int64_t kLast = 253402300799 - kThreeDays;   // 9999-12-31 23:59:59 UTC
+    const int64_t sa = a.GetTime().GetTime(), sb = b.GetTime().GetTime();
+    if (sa >= kFirst && sa <= kLast && sb >= kFirst && sb <= kLast && (sa - sb > kThreeDays || sb - sa > kThreeDays))
+        return sa < sb ? -1 : 1;
     return Sign(a.Mjd(), b.Mjd());
 }
 
