@@ -25,4 +25,13 @@ bool BreakdownUtc(int64_t seconds, struct tm& fields);
 // against the month) or the platform cannot convert.
 bool MakeLocal(int64_t year, int month, int day, int hour, int minute, int second, int dst, int64_t& seconds);
 
+// The local clock reading of an instant as seconds since 1970 (the instant
+// plus the zone's offset then), for ordering instants by local civil time
+// without a full breakdown each time: the offset is kept per UTC hour, in a
+// small per-thread cache. False where Breakdown fails. The zone is taken as
+// fixed for the process, as everywhere in the library: after a deliberate
+// change of TZ, ForgetLocalOffsets() (CNyrTime::RefreshSystemTimezone calls it).
+bool LocalSeconds(int64_t seconds, int64_t& local);
+void ForgetLocalOffsets();
+
 }  // namespace nyr::local
