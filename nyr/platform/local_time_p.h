@@ -27,8 +27,8 @@ bool MakeLocal(int64_t year, int month, int day, int hour, int minute, int secon
 
 // The local clock reading of an instant as seconds since 1970 (the instant
 // plus the zone's offset then), for ordering instants by local civil time
-// without a full breakdown each time: the offset is kept per UTC hour, in a
-// small per-thread cache. False where Breakdown fails. The zone is taken as
+// without a full breakdown each time: the offset is kept per UTC day, in a
+// small lock-free cache shared by all threads. False where Breakdown fails. The zone is taken as
 // fixed for the process, as everywhere in the library: after a deliberate
 // change of TZ, ForgetLocalOffsets() (CNyrTime::RefreshSystemTimezone calls it).
 bool LocalSeconds(int64_t seconds, int64_t& local);
