@@ -364,7 +364,8 @@ public:
     // other value of 0 or more shows it with that width (clamped to the
     // header's minimum section size and 32767). Other negative values and
     // entries past the last column are ignored. The columns' own hooks may
-    // veto (OnHideCol, OnDeleteCol).
+    // veto (OnHideCol, OnDeleteCol). A value that would leave no column on
+    // screen is refused whole.
     void ApplyColWidthAndHidden(const std::vector<int>& widths);
     // Applies a "ColOrder" value. The values are sort keys, not checked
     // positions: the visible columns are shown in ascending order of their

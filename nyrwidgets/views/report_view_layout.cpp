@@ -109,8 +109,18 @@ int CNyrReportView::LoadColOrder(std::vector<int>& order)
 
 void CNyrReportView::ApplyColWidthAndHidden(const std::vector<int>& widths)
 {
-    const int minWidth = horizontalHeader()->minimumSectionSize();
     const std::size_t n = std::min(widths.size(), d->cols.size());
+    // A value that would leave no column on screen is refused whole: the
+    // view would have no header left to bring a column back with.
+    bool anyShown = false;
+    for (std::size_t c = 0; c < d->cols.size() && !anyShown; ++c) {
+        const int width = c < n ? widths[c] : kWidthHidden - 2;
+        anyShown = !d->cols[c]->IsDeleted() &&
+                   (width >= 0 || (width < kWidthDeleted && d->cols[c]->IsVisible()));
+    }
+    if (!anyShown)
+        return;
+    const int minWidth = horizontalHeader()->minimumSectionSize();
     for (std::size_t c = 0; c < n; ++c) {
         const auto realCol = static_cast<unsigned int>(c);
         const int width = widths[c];
@@ -285,6 +295,8 @@ void CNyrReportView::RestoreLayout()
         if (!stored.empty() && LoadColOrder(order))
             ApplyColOrder(order);
     }
+    if (d->serializeColWidth || d->serializeColOrder)
+        HoldAllColInfos();
     if (d->serializeSortState) {
         std::vector<SORT_STATE_REALCOL> state;
         if (LoadSortState(state) && state.size() <= 3) {
