@@ -3,7 +3,10 @@
 
 #include <QLineEdit>
 #include <QString>
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
@@ -36,7 +39,10 @@ constexpr std::array<unsigned char, 256> MakeLowerTable()
 constexpr std::array<unsigned char, 256> kLower = MakeLowerTable();
 
 // The first occurrence of `needle` in `hay` with ASCII letters folded; other
-// bytes compare as they are. npos for none.
+// bytes compare as they are. npos for none. Candidates for the first byte
+// are found eight at a time: OR-ing 0x20 folds exactly the two cases of a
+// letter, and the zero-byte test flags every byte equal to the pattern (and
+// at most some false candidates above one, which the full compare drops).
 std::size_t FindFoldedAscii(const std::string& hay, const std::string& needle)
 {
     const std::size_t n = needle.size();
@@ -47,22 +53,63 @@ std::size_t FindFoldedAscii(const std::string& hay, const std::string& needle)
     const auto* h = reinterpret_cast<const unsigned char*>(hay.data());
     const auto* s = reinterpret_cast<const unsigned char*>(needle.data());
     const unsigned char first = kLower[s[0]];
-    for (std::size_t i = 0, last = hay.size() - n; i <= last; ++i) {
-        if (kLower[h[i]] != first)
-            continue;
+    const std::size_t last = hay.size() - n;  // the last possible start
+    const auto matchesAt = [&](std::size_t i) {
         std::size_t k = 1;
         while (k < n && kLower[h[i + k]] == kLower[s[k]])
             ++k;
-        if (k == n)
+        return k == n;
+    };
+    constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+    const std::uint64_t fold = first >= 'a' && first <= 'z' ? 0x20 * kOnes : 0;
+    const std::uint64_t pattern = first * kOnes;
+    std::size_t i = 0;
+    for (; i + 8 <= last + 1; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, h + i, 8);
+        const std::uint64_t x = (word | fold) ^ pattern;
+        std::uint64_t zero = (x - kOnes) & ~x & (0x80 * kOnes);
+        while (zero != 0) {
+            const std::size_t at = i + static_cast<std::size_t>(__builtin_ctzll(zero)) / 8;
+            if (kLower[h[at]] == first && matchesAt(at))
+                return at;
+            zero &= zero - 1;
+        }
+    }
+    for (; i <= last; ++i) {
+        if (kLower[h[i]] == first && matchesAt(i))
             return i;
     }
     return std::string::npos;
 }
 
-// 0: pure ASCII; 1: valid UTF-8 with other characters; -1: not UTF-8.
-int Utf8Kind(const std::string& text)
+// Whether any byte is 0x80 or above, eight bytes at a time.
+bool HasHighByte(const std::string& text)
 {
-    int kind = 0;
+    const char* p = text.data();
+    std::size_t n = text.size();
+    std::uint64_t any = 0;
+    for (; n >= 8; p += 8, n -= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, p, 8);
+        any |= word;
+    }
+    std::uint64_t tail = 0;
+    std::memcpy(&tail, p, n);
+    return ((any | tail) & 0x8080808080808080ULL) != 0;
+}
+
+bool HasAsciiLetter(const std::string& text)
+{
+    return std::any_of(text.begin(), text.end(), [](char c) {
+        const char lower = static_cast<char>(c | 0x20);
+        return lower >= 'a' && lower <= 'z';
+    });
+}
+
+// Whether a text is valid UTF-8 (given that it has bytes above 0x7F).
+bool IsUtf8(const std::string& text)
+{
     const auto* p = reinterpret_cast<const unsigned char*>(text.data());
     const auto* end = p + text.size();
     while (p < end) {
@@ -70,7 +117,6 @@ int Utf8Kind(const std::string& text)
             ++p;
             continue;
         }
-        kind = 1;
         int more;
         unsigned min;
         if ((*p & 0xE0) == 0xC0)
@@ -80,20 +126,20 @@ int Utf8Kind(const std::string& text)
         else if ((*p & 0xF8) == 0xF0)
             more = 3, min = 0x10000;
         else
-            return -1;
+            return false;
         if (end - p <= more)
-            return -1;
+            return false;
         unsigned cp = *p & (0x3Fu >> more);
         for (int k = 1; k <= more; ++k) {
             if ((p[k] & 0xC0) != 0x80)
-                return -1;
+                return false;
             cp = (cp << 6) | (p[k] & 0x3Fu);
         }
         if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
-            return -1;
+            return false;
         p += more + 1;
     }
-    return kind;
+    return true;
 }
 
 std::string Folded(const std::string& text)
@@ -121,21 +167,23 @@ bool ReadFlag(const std::string& section, const char* entry, int defaultValue)
 int CNyrListView::ItemStringMatches(int matchWord, int matchCase, const std::string& searchText,
                                     const std::string& cellText)
 {
-    if (!matchCase) {
-        // Texts that are not both ASCII fold by Unicode case folding (when
-        // they are valid UTF-8; other bytes compare as they are).
-        const int searchKind = Utf8Kind(searchText);
-        const int cellKind = searchKind < 0 ? -1 : Utf8Kind(cellText);
-        if (searchKind >= 0 && cellKind >= 0 && (searchKind | cellKind) != 0) {
-            const std::string cell = Folded(cellText);
-            const std::string search = Folded(searchText);
-            const std::size_t pos = cell.find(search);
-            return pos != std::string::npos && (!matchWord || StandsAsWord(cell, pos, search.size()));
-        }
-        const std::size_t pos = FindFoldedAscii(cellText, searchText);
-        return pos != std::string::npos && (!matchWord || StandsAsWord(cellText, pos, searchText.size()));
+    std::size_t pos;
+    if (matchCase) {
+        pos = cellText.find(searchText);
+    } else if ((HasHighByte(searchText) || HasHighByte(cellText)) && IsUtf8(searchText) && IsUtf8(cellText)) {
+        // Letters beyond ASCII: Unicode case folding of both texts. (Texts
+        // that are not UTF-8 fold their ASCII letters only; other bytes
+        // compare as they are.)
+        const std::string cell = Folded(cellText);
+        const std::string search = Folded(searchText);
+        pos = cell.find(search);
+        return pos != std::string::npos && (!matchWord || StandsAsWord(cell, pos, search.size()));
+    } else if (HasAsciiLetter(searchText)) {
+        pos = FindFoldedAscii(cellText, searchText);
+    } else {
+        // Nothing to fold in the search text: the plain search finds the same.
+        pos = cellText.find(searchText);
     }
-    const std::size_t pos = cellText.find(searchText);
     return pos != std::string::npos && (!matchWord || StandsAsWord(cellText, pos, searchText.size()));
 }
 

@@ -90,11 +90,38 @@ TEST(ListViewFindMatch, WordCaseAndFoldRules)
         {"\xff", "a\xff" "b", 0, 0, true},  // bytes that are not UTF-8 compare as they are
         {"\xfe", "a\xff" "b", 0, 0, false},
         {"q", "", 0, 0, false},
+        // Longer cells: every start position is tried, in blocks and at the end.
+        {"NEEDLE", "0123456789abcdef@`[{needle", 0, 0, true},
+        {"lf", "0123456789abcdef@`[{needlE", 0, 0, false},
+        {"e@", "abcdefgh e`ijklmnoE@", 0, 0, true},
+        {"9", "12345678123456789", 0, 0, true},
     };
     CNyrListView list;
     for (const Case& c : cases) {
         EXPECT_EQ(list.ItemStringMatches(c.word, c.matchCase, c.search, c.cell) != 0, c.match)
             << c.search << " in " << c.cell << " word " << c.word << " case " << c.matchCase;
+    }
+
+    // The folded search against the obvious one, on texts of letters in both
+    // cases and of the bytes next to them.
+    const auto fold = [](std::string t) {
+        for (char& ch : t)
+            ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+        return t;
+    };
+    const char alphabet[] = "aAbB@`[{ \t";
+    std::uint64_t x = 88172645463325252ULL;
+    const auto random = [&](std::size_t maxLength) {
+        std::string t;
+        for (std::size_t n = (x ^= x << 13, x ^= x >> 7, x ^= x << 17) % (maxLength + 1); n > 0; --n)
+            t += alphabet[(x ^= x << 13, x ^= x >> 7, x ^= x << 17) % (sizeof alphabet - 1)];
+        return t;
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const std::string search = random(3) + "a";
+        const std::string cell = random(40);
+        ASSERT_EQ(list.ItemStringMatches(0, 0, search, cell) != 0, fold(cell).find(fold(search)) != std::string::npos)
+            << search << " in " << cell;
     }
 }
 
