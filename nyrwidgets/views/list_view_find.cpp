@@ -373,7 +373,8 @@ int CNyrListViewFind::FindNextScreenItem(CSearchCrit& crit, int showMessage)
     return -1;
 }
 
-int CNyrListViewFind::SelectAllMatching(const CSearchCrit& crit, int add)
+int CNyrListViewFind::ApplyToMatching(const CSearchCrit& crit, int add,
+                                      void (CNyrListView::*apply)(const std::vector<int>&, int))
 {
     if (!m_view || crit.searchString.empty())
         return 0;
@@ -382,7 +383,7 @@ int CNyrListViewFind::SelectAllMatching(const CSearchCrit& crit, int add)
         if (m_view->ItemMatches(r, crit) >= 0)
             rows.push_back(r);
     }
-    m_view->SelectScreenItems(rows, add);
+    (m_view->*apply)(rows, add);
     if (!rows.empty()) {
         m_view->SetItemState(rows.front(), LVIS_FOCUSED, LVIS_FOCUSED);
         m_view->EnsureVisible(rows.front());
@@ -390,21 +391,14 @@ int CNyrListViewFind::SelectAllMatching(const CSearchCrit& crit, int add)
     return static_cast<int>(rows.size());
 }
 
+int CNyrListViewFind::SelectAllMatching(const CSearchCrit& crit, int add)
+{
+    return ApplyToMatching(crit, add, &CNyrListView::SelectScreenItems);
+}
+
 int CNyrListViewFind::CheckAllMatching(const CSearchCrit& crit, int add)
 {
-    if (!m_view || crit.searchString.empty())
-        return 0;
-    std::vector<int> rows;
-    for (int r = 0, count = m_view->GetItemCount(); r < count; ++r) {
-        if (m_view->ItemMatches(r, crit) >= 0)
-            rows.push_back(r);
-    }
-    m_view->CheckScreenItems(rows, add);
-    if (!rows.empty()) {
-        m_view->SetItemState(rows.front(), LVIS_FOCUSED, LVIS_FOCUSED);
-        m_view->EnsureVisible(rows.front());
-    }
-    return static_cast<int>(rows.size());
+    return ApplyToMatching(crit, add, &CNyrListView::CheckScreenItems);
 }
 
 int CNyrListViewFind::GetLastFoundItem() const

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <string>
+#include <vector>
 
 #include "nyr/platform/export.h"
 
@@ -126,6 +127,9 @@ private:
     bool m_hiddenByView = false;
 
     void MoveFocus(int from, int to);
+    // Selects or checks (`apply`) the matching rows; focuses the first.
+    int ApplyToMatching(const CSearchCrit& crit, int add,
+                        void (CNyrListView::*apply)(const std::vector<int>&, int));
     // The dialog's options into the section they were loaded from.
     void StoreDialogOptions() const;
 };

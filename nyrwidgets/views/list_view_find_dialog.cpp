@@ -31,10 +31,10 @@ QString ButtonText(unsigned int id)
 }
 
 // The dialog's own labels, which the text table does not hold.
-const char* const kFindWhat = "Fi&nd what:";
-const char* const kInColumn = "In co&lumn:";
+const char* const kFindWhat = "F&ind what:";
+const char* const kInColumn = "In c&olumn:";
 const char* const kMatchWord = "Match &whole word only";
-const char* const kMatchCase = "Match &case";
+const char* const kMatchCase = "Match c&ase";
 const char* const kFromBeginning = "Search from &beginning";
 const char* const kAddToSelection = "Add to se&lection";
 const char* const kAddToChecked = "Add to chec&ked";

@@ -168,7 +168,7 @@ std::vector<FileTypeEntry> FileTypes()
 {
     std::vector<FileTypeEntry> types;
     const QStringList parts = Text(26241).split(QLatin1Char('|'));
-    for (qsizetype i = 0; i + 1 < parts.size() && !parts[i].isEmpty(); i += 2) {
+    for (qsizetype i = 0; i + 1 < parts.size() && !parts[i].isEmpty() && types.size() < 3; i += 2) {
         QString extension = parts[i + 1];
         extension.remove(QLatin1Char('*'));
         types.push_back({parts[i], extension, 1 << types.size()});
