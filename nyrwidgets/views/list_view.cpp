@@ -2,13 +2,18 @@
 
 #include <QAbstractTableModel>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 
+#include "nyr/frame/notifications.h"
+#include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/intro_sort_p.h"
 #include "nyrwidgets/views/list_view_p.h"
+#include "nyrwidgets/views/list_view_save_as_dlg_cv.h"
 
 namespace {
 
@@ -204,6 +209,7 @@ struct CNyrListView::Private
     bool hasSaved = false;
     bool savedSelect = false;
     bool savedCheck = false;
+    std::unique_ptr<CNyrListViewFind> find;  // created on first use
 };
 
 CNyrListView::CNyrListView(QWidget* parent) : QTableView(parent), d(new Private)
@@ -218,7 +224,11 @@ CNyrListView::CNyrListView(QWidget* parent, QAbstractItemModel* model) : QTableV
     Init(model);
 }
 
-CNyrListView::~CNyrListView() = default;
+CNyrListView::~CNyrListView()
+{
+    // The finder stores the open dialog's options; the view must still be whole.
+    d->find.reset();
+}
 
 void CNyrListView::Init(QAbstractItemModel* model)
 {
@@ -565,4 +575,114 @@ int CNyrListView::FindItemByData(quintptr value) const
             return static_cast<int>(i);
     }
     return -1;
+}
+
+void CNyrListView::SelectScreenItems(const std::vector<int>& screenItems, int keepOthers)
+{
+    // One selection of runs of rows: a selection model fed row by row slows
+    // down with every range it holds.
+    std::vector<int> rows;
+    rows.reserve(screenItems.size());
+    const int count = model()->rowCount();
+    for (int r : screenItems) {
+        if (RowInRange(r, count))
+            rows.push_back(r);
+    }
+    std::sort(rows.begin(), rows.end());
+    QItemSelection selection;
+    const int lastCol = std::max(0, model()->columnCount() - 1);
+    for (std::size_t i = 0; i < rows.size();) {
+        std::size_t j = i;
+        while (j + 1 < rows.size() && rows[j + 1] <= rows[j] + 1)
+            ++j;
+        selection.append(QItemSelectionRange(model()->index(rows[i], 0), model()->index(rows[j], lastCol)));
+        i = j + 1;
+    }
+    selectionModel()->select(selection, keepOthers ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect);
+}
+
+void CNyrListView::CheckScreenItems(const std::vector<int>& screenItems, int keepOthers)
+{
+    const int count = GetItemCount();
+    std::vector<char> check(static_cast<std::size_t>(std::max(count, 0)), 0);
+    for (int r : screenItems) {
+        if (RowInRange(r, count))
+            check[static_cast<std::size_t>(r)] = 1;
+    }
+    for (int r = 0; r < count; ++r) {
+        if (check[static_cast<std::size_t>(r)])
+            SetCheck(r, 1);
+        else if (!keepOthers && GetCheck(r))
+            SetCheck(r, 0);
+    }
+}
+
+CNyrListViewFind& CNyrListView::GetFind()
+{
+    if (!d->find)
+        d->find = std::make_unique<CNyrListViewFind>(this);
+    return *d->find;
+}
+
+void CNyrListView::ShowFindDialog(unsigned int screenCol)
+{
+    GetFind().ShowFindDialog(screenCol);
+}
+
+void CNyrListView::HideFindDialog()
+{
+    if (d->find)
+        d->find->HideFindDialog();
+}
+
+int CNyrListView::RestoreFindDialog(int activate)
+{
+    return d->find ? d->find->RestoreFindDialog(activate) : 0;
+}
+
+int CNyrListView::FindNext(int forward)
+{
+    return GetFind().FindNext(forward);
+}
+
+int CNyrListView::SaveAs()
+{
+    CNyrListViewSaveAsDlgCV::SAVE_AS_INFO info;
+    info.list = this;
+    CNyrListViewSaveAsDlgCV dialog(info, this);
+    return dialog.Run(InifileSection());
+}
+
+bool CNyrListView::event(QEvent* e)
+{
+    if (CNyrMessageEvent* m = CNyrMessageEvent::From(e)) {
+        const unsigned int message = m->Message();
+        if (message == WM_NYR_REPORTVIEW_FIND)
+            ShowFindDialog();
+        else if (message == WM_NYR_REPORTVIEW_FIND_NEXT || message == WM_NYR_REPORTVIEW_FIND_PREV)
+            FindNext(message == WM_NYR_REPORTVIEW_FIND_NEXT);
+        else if (message == WM_NYR_REPORTVIEW_SAVE_AS)
+            SaveAs();
+        else
+            return QTableView::event(e);
+        m->SetResult(1);
+        return true;
+    }
+    return QTableView::event(e);
+}
+
+void CNyrListView::keyPressEvent(QKeyEvent* e)
+{
+    const auto modifiers = e->modifiers() & ~Qt::KeypadModifier;
+    if (e->matches(QKeySequence::Find)) {
+        ShowFindDialog();
+    } else if (e->key() == Qt::Key_F3 && (modifiers == Qt::NoModifier || modifiers == Qt::ShiftModifier)) {
+        FindNext(modifiers == Qt::NoModifier);
+    } else if (e->matches(QKeySequence::FindNext) || e->matches(QKeySequence::FindPrevious)) {
+        FindNext(e->matches(QKeySequence::FindNext));
+    } else {
+        QTableView::keyPressEvent(e);
+        return;
+    }
+    e->accept();
 }

@@ -8,6 +8,7 @@
 
 #include "nyr/platform/export.h"
 #include "nyrwidgets/views/list_ctrl.h"
+#include "nyrwidgets/views/list_view_find.h"
 
 class CNyrHeaderCtrlSort;
 
@@ -20,6 +21,12 @@ class CNyrHeaderCtrlSort;
 // Everything here speaks in screen indexes: a row's position on screen (which
 // changes with sorting) and a column's index in the header (its position in
 // the display order is GetColumnOrder).
+//
+// Every list view can search its rows (GetFind): Ctrl+F opens the find
+// dialog, F3 and Shift+F3 repeat the search forward and backward without it.
+// It writes its rows to a text file (SaveAs). Both are reached through the
+// command messages WM_NYR_REPORTVIEW_FIND, ..._FIND_NEXT, ..._FIND_PREV and
+// ..._SAVE_AS as well.
 class NYR_EXPORT CNyrListView : public QTableView
 {
     Q_OBJECT
@@ -122,6 +129,45 @@ public:
     // The first row holding `value`, -1 when none does.
     int FindItemByData(quintptr value) const;
 
+    // Selects exactly (or, with `keepOthers`, also) these rows, as the user
+    // would: rows that cannot be selected stay unselected.
+    virtual void SelectScreenItems(const std::vector<int>& screenItems, int keepOthers);
+    // Checks exactly (or, with `keepOthers`, also) these rows.
+    virtual void CheckScreenItems(const std::vector<int>& screenItems, int keepOthers);
+
+    // ---- Find ----
+
+    // The view's finder.
+    CNyrListViewFind& GetFind();
+    // These forward to the finder.
+    void ShowFindDialog(unsigned int screenCol = 0xFFFFFFFFu);
+    void HideFindDialog();
+    int RestoreFindDialog(int activate);
+    int FindNext(int forward);
+    // The first screen column (from column 0 up) whose cell matches, or -1.
+    // With crit.searchAll set or crit.column -1 every column is tried,
+    // otherwise crit.column alone.
+    virtual int ItemMatches(int screenItem, const CNyrListViewFind::CSearchCrit& crit);
+    // Whether the cell matches: its text (GetItemText) through
+    // ItemStringMatches with the criteria's word and case options.
+    virtual int ItemColumnMatches(int screenItem, int screenCol, const CNyrListViewFind::CSearchCrit& crit);
+    // Whether `searchText` occurs in `cellText`. Without matchCase both are
+    // folded to one letter case (ASCII letters directly, other letters by
+    // Unicode case folding). With matchWord the first occurrence must also
+    // start the cell or follow a space or tab, and end the cell or be
+    // followed by a space or tab. Only space and tab separate words, not
+    // punctuation, and only the first occurrence is tried: a later one that
+    // would stand as a word does not count. Both intended.
+    virtual int ItemStringMatches(int matchWord, int matchCase, const std::string& searchText,
+                                  const std::string& cellText);
+
+    // ---- Save as ----
+
+    // Asks for a file with the save-as dialog (its options loaded from and
+    // stored to the view's settings section) and writes the rows to it.
+    // Returns 1 when the file was written.
+    virtual int SaveAs();
+
 protected:
     // For views that bring their own model instead of the plain list (null:
     // the derived view sets it with setModel once it is built).
@@ -136,6 +182,11 @@ protected:
     // Shows the state's marks on the header (entries past the header's
     // columns are skipped).
     void ShowSortMarks(const std::vector<SORT_STATE_SCREENCOL>& state);
+
+    // The find and save-as command messages.
+    bool event(QEvent* e) override;
+    // Ctrl+F, F3, Shift+F3.
+    void keyPressEvent(QKeyEvent* e) override;
 
 private:
     struct Private;

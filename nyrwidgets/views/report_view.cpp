@@ -13,6 +13,7 @@
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/intro_sort_p.h"
 #include "nyrwidgets/views/report_view_p.h"
+#include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
 
 using nyr::views_detail::Ix;
 using nyr::views_detail::IxInt;
@@ -48,6 +49,7 @@ void CNyrReportView::Private::GoLive()
     if (live)
         return;
     live = true;
+    liveSection = q->InifileSection();
     if (autoRestore)
         q->RestoreLayout();
 }
@@ -218,6 +220,7 @@ CNyrReportView::CNyrReportView(QWidget* parent) : CNyrListView(parent, nullptr),
 
 CNyrReportView::~CNyrReportView()
 {
+    StoreLayoutOnClose();
     // Items and columns go with the view; the model must not read them while
     // Qt takes the view apart.
     setModel(nullptr);
@@ -234,6 +237,7 @@ unsigned int CNyrReportView::AddRealCol(CNyrReportViewCol* col)
         return 0xFFFFFFFFu;
     col->m_owner = this;
     const auto r = static_cast<RealCol>(d->cols.size());
+    col->m_orderDefault = static_cast<int>(Ix(r));
     d->cols.emplace_back(col);
     d->realToScreenCol.push_back(kOffScreenCol);
     if (col->IsVisible()) {
@@ -856,6 +860,43 @@ void CNyrReportView::SelectCheckedItems(int notify)
         if (item->IsVisible())
             SelectRealItem(static_cast<unsigned int>(r), item->IsChecked(), notify);
     }
+}
+
+void CNyrReportView::SelectScreenItems(const std::vector<int>& screenItems, int keepOthers)
+{
+    std::vector<char> chosen(d->screenToRealItem.size(), 0);
+    for (int s : screenItems) {
+        if (d->ValidScreen(s))
+            chosen[static_cast<std::size_t>(s)] = 1;
+    }
+    const SelectionBatch batch(*d);
+    for (std::size_t s = 0; s < chosen.size(); ++s) {
+        const RealItem r = d->screenToRealItem[s];
+        if (chosen[s] || (!keepOthers && d->Item(r)->IsSelected()))
+            SelectRealItem(Ix(r), chosen[s], 1);
+    }
+}
+
+void CNyrReportView::CheckScreenItems(const std::vector<int>& screenItems, int keepOthers)
+{
+    std::vector<char> chosen(d->screenToRealItem.size(), 0);
+    for (int s : screenItems) {
+        if (d->ValidScreen(s))
+            chosen[static_cast<std::size_t>(s)] = 1;
+    }
+    for (std::size_t s = 0; s < chosen.size(); ++s) {
+        const RealItem r = d->screenToRealItem[s];
+        if (chosen[s] || (!keepOthers && d->Item(r)->IsChecked()))
+            CheckRealItem(Ix(r), chosen[s], 1);
+    }
+}
+
+int CNyrReportView::SaveAs()
+{
+    CNyrListViewSaveAsDlgCV::SAVE_AS_INFO info;
+    info.list = this;
+    CNyrReportViewSaveAsDlgCV dialog(info, this);
+    return dialog.Run(InifileSection());
 }
 
 void CNyrReportView::DisableRealItem(unsigned int realItem, int disable, int notify)

@@ -80,11 +80,24 @@ public:
         MenuAutoArrange = 0x0001,  // "&Auto arrange" (header)
         MenuSort = 0x0002,         // "&Sort" sub-menu (header)
         MenuViewHide = 0x0004,     // "&Hide", "Hi&de all", "View a&ll", "&View" sub-menu (header)
+        MenuColumns = 0x0008,      // "&Columns..." (header; enabled while ColumnsDlgStyle is not 0)
         MenuSelect = 0x0010,       // select all, invert selection, select checked items
         MenuCheck = 0x0020,        // check all, invert checked (only with check boxes)
         MenuModify = 0x0040,       // "&Modify..." (item menu: OnModifyRealItem)
         MenuDelete = 0x0080,       // "&Delete\tDEL"; also lets the Delete key delete the selection
         MenuGlobal = 0x0100,       // the application's global menu of that kind
+        MenuFind = 0x0200,         // "&Find...\tCtrl+F"
+        MenuFindNP = 0x0400,       // "Find &Next", "Find P&revious"
+        MenuSaveAs = 0x0800,       // "Save &As..."
+    };
+
+    // What the columns dialog lets the user change (bits of ColumnsDlgStyle).
+    enum eColumnsDlgStyle : unsigned int {
+        ColumnsDlgVisibility = 0x1,  // view and hide columns (check boxes, "[All columns]")
+        ColumnsDlgWidth = 0x2,       // column widths
+        ColumnsDlgOrder = 0x4,       // the display order (move up, move down)
+        ColumnsDlgDefaults = 0x8,    // back to the defaults
+        ColumnsDlgAll = 0xF,
     };
 
     explicit CNyrReportView(QWidget* parent = nullptr);
@@ -320,6 +333,92 @@ public:
     // applied.
     int SortMultiple();
 
+    // ---- Column layout ----
+    //
+    // Stored per view in its settings section, one entry per real column in
+    // real order:
+    //   "ColWidth": -2 deleted, -1 hidden, else the width on screen (pixels);
+    //   "ColOrder": a visible column's display position, a hidden or deleted
+    //               column's own real index.
+    // With SerializeColWidthAndHidden / SerializeColOrder on, the view
+    // restores these when it opens (AutoRestore, before the items first
+    // show) and stores them when the columns dialog changed the layout and
+    // when the view goes away (if it went live; the section is the one it
+    // had then).
+
+    // Write "ColWidth" / "ColOrder" from the screen; the order is also
+    // recorded in each column's order field. 0 when the store refuses (or
+    // the view has no columns).
+    int StoreColWidthAndHidden();
+    int StoreColOrder();
+    // Read "ColWidth": non-zero when a value is stored (and the view has
+    // columns). A value shorter than the columns is filled up with 80 (the
+    // columns added since show with 80 pixels); a longer one is passed on.
+    int LoadColWidthAndHidden(std::vector<int>& widths);
+    // Read "ColOrder": non-zero whenever the view has columns. Nothing
+    // stored gives 0, 1, 2, ...; a shorter value is filled up with each
+    // missing column's own real index. Duplicates, values out of range and
+    // extra entries are passed on as they are (see ApplyColOrder).
+    int LoadColOrder(std::vector<int>& order);
+    // Applies a "ColWidth" value: -2 deletes the column, -1 hides it, any
+    // other value of 0 or more shows it with that width (clamped to the
+    // header's minimum section size and 32767). Other negative values and
+    // entries past the last column are ignored. The columns' own hooks may
+    // veto (OnHideCol, OnDeleteCol). A value that would leave no column on
+    // screen is refused whole.
+    void ApplyColWidthAndHidden(const std::vector<int>& widths);
+    // Applies a "ColOrder" value. The values are sort keys, not checked
+    // positions: the visible columns are shown in ascending order of their
+    // values, equal values in real order. So a value with duplicate
+    // positions, gaps, negative numbers or numbers past the column count
+    // still shows every visible column exactly once; entries past the last
+    // real column are ignored, missing ones keep the column's order field.
+    // Afterwards every visible column's order field is its display position.
+    void ApplyColOrder(const std::vector<int>& order);
+
+    void SerializeColWidthAndHidden(int serialize);
+    int GetSerializeColWidthAndHidden() const;
+    void SerializeColOrder(int serialize);
+    int GetSerializeColOrder() const;
+    // Taken over by new views; both 0 unless set.
+    static void SerializeColWidthAndHiddenDefault(int serialize);
+    static int GetSerializeColWidthAndHiddenDefault();
+    static void SerializeColOrderDefault(int serialize);
+    static int GetSerializeColOrderDefault();
+
+    // Sets a column's width in pixels (on screen when it shows, else for
+    // when it shows again). 0 for a bad column or a negative width.
+    int SetRealColWidth(unsigned int realCol, int width);
+    // Reads the width, display position and left edge of every column on
+    // screen into the column objects, so that a rebuild of the screen
+    // columns (DisplayRealCols) keeps the layout the user made.
+    void HoldAllColInfos();
+    // Makes the current layout the defaults the columns dialog goes back to:
+    // each column's hidden default and default width become its current
+    // state, its default order its display position (a hidden column's: its
+    // real index). Until called, the defaults are the columns' constructor
+    // values and real order.
+    void HoldRealColsDefaults();
+    // The default order of a column (its real index unless
+    // HoldRealColsDefaults set another); -1 for a bad index.
+    int GetRealColOrderDefault(unsigned int realCol) const;
+
+    // Opens the columns dialog (CNyrReportViewColumnsDlg) and applies it on
+    // OK; then stores the layout as serialised. Returns 1 when applied; 0
+    // (nothing shown) while ColumnsDlgStyle is 0.
+    int ColumnsDialog();
+    // eColumnsDlgStyle bits; new views take the class default (all).
+    void SetColumnsDlgStyle(unsigned int style);
+    unsigned int GetColumnsDlgStyle() const;
+    static void SetColumnsDlgStyleDefault(unsigned int style);
+    static unsigned int GetColumnsDlgStyleDefault();
+
+    // The report view's save-as dialog (CNyrReportViewSaveAsDlgCV).
+    int SaveAs() override;
+    // Through the items' own states (notifying), in one batch.
+    void SelectScreenItems(const std::vector<int>& screenItems, int keepOthers) override;
+    void CheckScreenItems(const std::vector<int>& screenItems, int keepOthers) override;
+
     // ---- Menus and styles ----
 
     // Which pieces each context menu holds; the shift variant is used when
@@ -358,6 +457,12 @@ public:
     void InsertMenuAutoArrange(CNyrReportViewMenuPopUp& menu);
     void InsertMenuSort(CNyrReportViewMenuPopUp& menu, unsigned int realCol);
     void InsertMenuViewHide(CNyrReportViewMenuPopUp& menu, unsigned int realCol);
+    void InsertMenuColumns(CNyrReportViewMenuPopUp& menu);
+    // Find (always enabled) and Find Next / Previous (enabled while there is
+    // a search text and a row).
+    void InsertMenuFind(CNyrReportViewMenuPopUp& menu);
+    void InsertMenuFindNP(CNyrReportViewMenuPopUp& menu);
+    void InsertMenuSaveAs(CNyrReportViewMenuPopUp& menu);
     void InsertMenuSelect(CNyrReportViewMenuPopUp& menu);
     void InsertMenuCheck(CNyrReportViewMenuPopUp& menu);
     void InsertMenuModify(CNyrReportViewMenuPopUp& menu);
@@ -400,7 +505,8 @@ protected:
     // window still exists, in the order of subscription.
     void SendNotificationToNotifyItems(long bit, unsigned int message, qintptr lParam);
     // The layout the view restores under AutoRestore; called once, before the
-    // items first show.
+    // items first show: the stored column widths and visibility and column
+    // order (as serialised), then the sort state (when SerializeSortState).
     virtual void RestoreLayout();
 
     void OnHeaderClick(int screenCol) override;
@@ -414,10 +520,17 @@ private:
     friend class CNyrReportViewDelegate;
     std::unique_ptr<Private> d;
 
+    // Stores the serialised column layout into the section the view had as
+    // it went live (nothing for a view that never did).
+    void StoreLayoutOnClose();
+    int StoreColWidthAndHiddenIn(const std::string& section);
+    int StoreColOrderIn(const std::string& section);
     // Called by a column whose label, alignment or width changed.
     void OnRealColChanged(const CNyrReportViewCol* col, bool width);
     // Handles a command message; false for one the view does not know.
     bool OnCommand(unsigned int message);
+    // Find, find next / previous and save-as as the menu style asks.
+    void InsertMenuFindAndSaveAs(CNyrReportViewMenuPopUp& menu, unsigned int style);
     // The sort commands of the header menu on its column.
     bool SortByMenuColumn(unsigned int message);
 };

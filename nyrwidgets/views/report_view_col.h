@@ -88,6 +88,7 @@ private:
     int m_widthDefault;
     int m_left = 0;
     int m_order = 0;
+    int m_orderDefault = 0;  // the default display order: the real index, or as HoldRealColsDefaults found it
     QPointer<QMenu> m_menu;
     int m_subMenuPos;
     int m_userData = 0;

@@ -31,18 +31,23 @@ QPointer<QMenu>& GlobalMenu(eMenuKind kind)
 
 unsigned int (&MenuDefaults())[3][2]
 {
+    constexpr unsigned int header = CNyrReportView::MenuAutoArrange | CNyrReportView::MenuSort |
+                                    CNyrReportView::MenuViewHide | CNyrReportView::MenuColumns |
+                                    CNyrReportView::MenuGlobal;
+    constexpr unsigned int rows = CNyrReportView::MenuSelect | CNyrReportView::MenuCheck | CNyrReportView::MenuFind |
+                                  CNyrReportView::MenuFindNP | CNyrReportView::MenuSaveAs | CNyrReportView::MenuGlobal;
     static unsigned int defaults[3][2] = {
-        {CNyrReportView::MenuAutoArrange | CNyrReportView::MenuSort | CNyrReportView::MenuViewHide |
-             CNyrReportView::MenuGlobal,
-         CNyrReportView::MenuAutoArrange | CNyrReportView::MenuSort | CNyrReportView::MenuViewHide |
-             CNyrReportView::MenuGlobal},
-        {CNyrReportView::MenuSelect | CNyrReportView::MenuCheck | CNyrReportView::MenuGlobal,
-         CNyrReportView::MenuSelect | CNyrReportView::MenuCheck | CNyrReportView::MenuModify |
-             CNyrReportView::MenuDelete | CNyrReportView::MenuGlobal},
-        {CNyrReportView::MenuSelect | CNyrReportView::MenuCheck | CNyrReportView::MenuGlobal,
-         CNyrReportView::MenuSelect | CNyrReportView::MenuCheck | CNyrReportView::MenuGlobal},
+        {header, header},
+        {rows, rows | CNyrReportView::MenuModify | CNyrReportView::MenuDelete},
+        {rows, rows},
     };
     return defaults;
+}
+
+unsigned int& ColumnsDlgStyleDefault()
+{
+    static unsigned int value = CNyrReportView::ColumnsDlgAll;
+    return value;
 }
 
 int& AutoRestoreDefault()
@@ -259,8 +264,21 @@ void CNyrReportView::Private::TakeClassDefaults()
         menuStyles[kind][0] = MenuDefaults()[kind][0];
         menuStyles[kind][1] = MenuDefaults()[kind][1];
     }
+    columnsDlgStyle = ColumnsDlgStyleDefault();
     autoRestore = AutoRestoreDefault();
     serializeSortState = GetSerializeSortStateDefault();
+    serializeColWidth = GetSerializeColWidthAndHiddenDefault();
+    serializeColOrder = GetSerializeColOrderDefault();
+}
+
+void CNyrReportView::SetColumnsDlgStyleDefault(unsigned int style)
+{
+    ColumnsDlgStyleDefault() = style;
+}
+
+unsigned int CNyrReportView::GetColumnsDlgStyleDefault()
+{
+    return ColumnsDlgStyleDefault();
 }
 
 // ---------------------------------------------------------------------------
@@ -274,6 +292,11 @@ void CNyrReportView::BuildHeaderContextMenu(CNyrReportViewMenuPopUp& menu, unsig
         InsertMenuSort(menu, realCol);
     if (style & MenuViewHide)
         InsertMenuViewHide(menu, realCol);
+    if (style & MenuColumns) {
+        if (!(style & MenuViewHide))
+            menu.AppendSeparator();
+        InsertMenuColumns(menu);
+    }
     if (style & MenuAutoArrange) {
         menu.AppendSeparator();
         InsertMenuAutoArrange(menu);
@@ -307,6 +330,7 @@ void CNyrReportView::BuildRealItemContextMenu(CNyrReportViewMenuPopUp& menu, uns
         menu.AppendSeparator();
         InsertMenuCheck(menu);
     }
+    InsertMenuFindAndSaveAs(menu, style);
     if (style & MenuGlobal)
         InsertGlobalItemMenu(menu);
 }
@@ -321,8 +345,23 @@ void CNyrReportView::BuildItemBkContextMenu(CNyrReportViewMenuPopUp& menu, bool 
         menu.AppendSeparator();
         InsertMenuCheck(menu);
     }
+    InsertMenuFindAndSaveAs(menu, style);
     if (style & MenuGlobal)
         InsertGlobalItemBkMenu(menu);
+}
+
+void CNyrReportView::InsertMenuFindAndSaveAs(CNyrReportViewMenuPopUp& menu, unsigned int style)
+{
+    if (style & (MenuFind | MenuFindNP))
+        menu.AppendSeparator();
+    if (style & MenuFind)
+        InsertMenuFind(menu);
+    if (style & MenuFindNP)
+        InsertMenuFindNP(menu);
+    if (style & MenuSaveAs) {
+        menu.AppendSeparator();
+        InsertMenuSaveAs(menu);
+    }
 }
 
 void CNyrReportView::InsertMenuAutoArrange(CNyrReportViewMenuPopUp& menu)
@@ -366,6 +405,28 @@ void CNyrReportView::InsertMenuViewHide(CNyrReportViewMenuPopUp& menu, unsigned 
     for (unsigned int r : hidden) {
         view->AppendAction(QString::fromStdString(d->cols[r]->GetLabel()), [this, r] { HideRealCol(r, 0, 1); });
     }
+}
+
+void CNyrReportView::InsertMenuColumns(CNyrReportViewMenuPopUp& menu)
+{
+    menu.AppendCommand(26043, WM_NYR_REPORTVIEW_COLUMNS_DLG, d->columnsDlgStyle != 0 && !d->cols.empty());
+}
+
+void CNyrReportView::InsertMenuFind(CNyrReportViewMenuPopUp& menu)
+{
+    menu.AppendCommand(26032, WM_NYR_REPORTVIEW_FIND);
+}
+
+void CNyrReportView::InsertMenuFindNP(CNyrReportViewMenuPopUp& menu)
+{
+    const bool can = !CNyrListViewFind::SearchCrit().searchString.empty() && !d->screenToRealItem.empty();
+    menu.AppendCommand(26033, WM_NYR_REPORTVIEW_FIND_NEXT, can);
+    menu.AppendCommand(26034, WM_NYR_REPORTVIEW_FIND_PREV, can);
+}
+
+void CNyrReportView::InsertMenuSaveAs(CNyrReportViewMenuPopUp& menu)
+{
+    menu.AppendCommand(26031, WM_NYR_REPORTVIEW_SAVE_AS, !d->screenToRealCol.empty());
 }
 
 void CNyrReportView::InsertMenuSelect(CNyrReportViewMenuPopUp& menu)
@@ -526,14 +587,13 @@ bool CNyrReportView::OnCommand(unsigned int message)
         InvertChecked(1);
         return true;
     }
+    if (message == WM_NYR_REPORTVIEW_COLUMNS_DLG) {
+        ColumnsDialog();
+        return true;
+    }
     if (message == WM_NYR_REPORTVIEW_POST_HDN_ENDDRAG) {
         // The header has applied the move by now: read the order back.
-        QHeaderView* header = horizontalHeader();
-        for (std::size_t s = 0; s < d->screenToRealCol.size(); ++s) {
-            CNyrReportViewCol* col = d->Col(d->screenToRealCol[s]);
-            col->m_order = header->visualIndex(static_cast<int>(s));
-            col->m_left = header->sectionPosition(static_cast<int>(s));
-        }
+        HoldAllColInfos();
         GetHeaderCtrl()->UpdateCurrentSortedColumns();
         return true;
     }

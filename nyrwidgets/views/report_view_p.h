@@ -7,6 +7,7 @@
 #include <QStyledItemDelegate>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "nyrwidgets/views/report_view.h"
@@ -170,7 +171,13 @@ struct CNyrReportView::Private
 
     std::vector<SORT_STATE_REALCOL> sortState;  // at most three keys
     int serializeSortState = 0;
+    int serializeColWidth = 0;
+    int serializeColOrder = 0;
+    unsigned int columnsDlgStyle = 0;
     int autoRestore = 0;
+    // The settings section as the view went live: a view being taken apart
+    // no longer knows its own class name, which names the default section.
+    std::string liveSection;
     // The screen shows the model (DisplayRealItems or a displayed append has
     // run): changes of visibility update the rows from then on.
     bool live = false;
@@ -194,8 +201,8 @@ struct CNyrReportView::Private
 
     explicit Private(CNyrReportView* view) : q(view) {}
 
-    // Menu styles, AutoRestore and SerializeSortState from the class-wide
-    // defaults (report_view_menu.cpp).
+    // Menu styles, the columns dialog style, AutoRestore and the Serialize...
+    // switches from the class-wide defaults (report_view_menu.cpp).
     void TakeClassDefaults();
 
     // ---- Screen rows (report_view.cpp) ----

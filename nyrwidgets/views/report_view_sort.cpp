@@ -183,16 +183,3 @@ bool CNyrReportView::SortByMenuColumn(unsigned int message)
         SortList(state);
     return true;
 }
-
-void CNyrReportView::RestoreLayout()
-{
-    if (!d->serializeSortState)
-        return;
-    std::vector<SORT_STATE_REALCOL> state;
-    if (LoadSortState(state) && state.size() <= 3) {
-        d->sortState = state;
-        d->UpdateSortMarks();
-        if (!d->screenToRealItem.empty())
-            d->ResortScreen();
-    }
-}

@@ -16,6 +16,7 @@
 #include "tests/support/temp_dir.h"
 
 using nyr::test::Fill;
+using nyr::test::MessageLog;
 using nyr::test::PlainItem;
 using nyr::test::ScreenOrder;
 using nyr::test::Subscriber;
@@ -310,29 +311,6 @@ TEST_F(SortStateStore, StoredValuesAreCheckedWhole)
 
 // ---------------------------------------------------------------------------
 // The multiple-columns dialog
-
-struct MessageLog
-{
-    MessageLog()
-    {
-        Instance() = this;
-        CNyrUiHooks hooks = NyrGetUiHooks();
-        saved = hooks;
-        hooks.messageBox = [](const std::string& text, const std::string&, unsigned) {
-            Instance()->texts.push_back(text);
-            return 1;
-        };
-        NyrSetUiHooks(hooks);
-    }
-    ~MessageLog() { NyrSetUiHooks(saved); }
-    static MessageLog*& Instance()
-    {
-        static MessageLog* log = nullptr;
-        return log;
-    }
-    CNyrUiHooks saved;
-    std::vector<std::string> texts;
-};
 
 TEST(SortMultipleDlg, SameColumnTwiceIsRefusedAndEmptyChoicesAreSkipped)
 {

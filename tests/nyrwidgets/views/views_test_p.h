@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_item.h"
@@ -136,6 +137,36 @@ inline std::vector<int> ScreenOrder(const CNyrReportView& view)
         order.push_back(view.RealItemFromScreen(s));
     return order;
 }
+
+// Answers every message box with `answer` and keeps its text and style
+// while it lives.
+struct MessageLog
+{
+    explicit MessageLog(int reply = 1) : answer(reply)
+    {
+        Instance() = this;
+        saved = NyrGetUiHooks();
+        CNyrUiHooks hooks = saved;
+        hooks.messageBox = [](const std::string& text, const std::string&, unsigned style) {
+            Instance()->texts.push_back(text);
+            Instance()->styles.push_back(style);
+            return Instance()->answer;
+        };
+        NyrSetUiHooks(hooks);
+    }
+    ~MessageLog() { NyrSetUiHooks(saved); }
+    MessageLog(const MessageLog&) = delete;
+    MessageLog& operator=(const MessageLog&) = delete;
+    static MessageLog*& Instance()
+    {
+        static MessageLog* log = nullptr;
+        return log;
+    }
+    CNyrUiHooks saved;
+    int answer;
+    std::vector<std::string> texts;
+    std::vector<unsigned> styles;
+};
 
 inline quintptr W(const CNyrReportView& view)
 {

@@ -1,0 +1,284 @@
+#include "nyrwidgets/views/report_view_columns_dlg.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "nyr/frame/resource_module.h"
+#include "nyrwidgets/views/report_view.h"
+#include "nyrwidgets/views/report_view_col.h"
+
+namespace {
+
+constexpr int kLabelColumn = 0;
+constexpr int kWidthColumn = 1;
+constexpr int kMaxWidth = 32767;
+constexpr int kRealColRole = Qt::UserRole + 1;
+
+QString Text(unsigned int id)
+{
+    return QString::fromStdString(NyrLoadString(id));
+}
+
+// The dialog's own labels, which the text table does not hold.
+const char* const kWidthHeading = "Width";
+const char* const kMoveUp = "Move &Up";
+const char* const kMoveDown = "Move &Down";
+const char* const kDefaults = "&Defaults";
+
+// Widths are edited in a spin box of the valid range.
+class WidthDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const override
+    {
+        auto* box = new QSpinBox(parent);
+        box->setRange(0, kMaxWidth);
+        box->setFrame(false);
+        return box;
+    }
+};
+
+}  // namespace
+
+struct CNyrReportViewColumnsDlg::Private
+{
+    CNyrReportView* view;
+    unsigned int style = 0;
+    QTableWidget* list = nullptr;
+    QCheckBox* all = nullptr;
+    QPushButton* up = nullptr;
+    QPushButton* down = nullptr;
+    QPushButton* defaults = nullptr;
+    QPushButton* ok = nullptr;
+    bool updating = false;
+
+    void AddRow(const CNyrReportViewCol* col, unsigned int realCol, bool visible, int width)
+    {
+        const int row = list->rowCount();
+        list->insertRow(row);
+        auto* label = new QTableWidgetItem(QString::fromStdString(col->GetLabel()));
+        label->setData(kRealColRole, realCol);
+        Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+        if (style & CNyrReportView::ColumnsDlgVisibility)
+            flags |= Qt::ItemIsUserCheckable;
+        label->setFlags(flags);
+        label->setCheckState(visible ? Qt::Checked : Qt::Unchecked);
+        auto* size = new QTableWidgetItem;
+        size->setData(Qt::EditRole, width);
+        size->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable |
+                       ((style & CNyrReportView::ColumnsDlgWidth) ? Qt::ItemIsEditable : Qt::NoItemFlags));
+        list->setItem(row, kLabelColumn, label);
+        list->setItem(row, kWidthColumn, size);
+    }
+};
+
+CNyrReportViewColumnsDlg::CNyrReportViewColumnsDlg(CNyrReportView* view, QWidget* parent)
+    : QDialog(parent ? parent : view), d(new Private{view})
+{
+    d->style = view ? view->GetColumnsDlgStyle() : 0;
+    QString title = Text(26043).remove(QLatin1Char('&'));
+    while (title.endsWith(QLatin1Char('.')))
+        title.chop(1);
+    setWindowTitle(title);
+
+    d->all = new QCheckBox(Text(26008), this);
+    d->all->setTristate(true);
+    d->all->setEnabled(d->style & CNyrReportView::ColumnsDlgVisibility);
+    d->list = new QTableWidget(0, 2, this);
+    d->list->setHorizontalHeaderLabels({QString(), QString::fromUtf8(kWidthHeading)});
+    d->list->horizontalHeader()->setSectionResizeMode(kLabelColumn, QHeaderView::Stretch);
+    d->list->verticalHeader()->hide();
+    d->list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    d->list->setSelectionMode(QAbstractItemView::SingleSelection);
+    d->list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                             QAbstractItemView::AnyKeyPressed);
+    d->list->setItemDelegateForColumn(kWidthColumn, new WidthDelegate(d->list));
+    d->up = new QPushButton(QString::fromUtf8(kMoveUp), this);
+    d->down = new QPushButton(QString::fromUtf8(kMoveDown), this);
+    d->defaults = new QPushButton(QString::fromUtf8(kDefaults), this);
+    d->up->setVisible(d->style & CNyrReportView::ColumnsDlgOrder);
+    d->down->setVisible(d->style & CNyrReportView::ColumnsDlgOrder);
+    d->defaults->setVisible(d->style & CNyrReportView::ColumnsDlgDefaults);
+    auto* buttons = new QDialogButtonBox(this);
+    d->ok = buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
+    buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
+
+    auto* side = new QVBoxLayout;
+    side->addWidget(d->up);
+    side->addWidget(d->down);
+    side->addStretch();
+    side->addWidget(d->defaults);
+    auto* middle = new QHBoxLayout;
+    middle->addWidget(d->list, 1);
+    middle->addLayout(side);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(d->all);
+    layout->addLayout(middle, 1);
+    layout->addWidget(buttons);
+
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(d->up, &QPushButton::clicked, this, &CNyrReportViewColumnsDlg::MoveUp);
+    connect(d->down, &QPushButton::clicked, this, &CNyrReportViewColumnsDlg::MoveDown);
+    connect(d->defaults, &QPushButton::clicked, this, &CNyrReportViewColumnsDlg::SetDefaults);
+    connect(d->list, &QTableWidget::itemChanged, this, [this] { UpdateStates(); });
+    connect(d->list, &QTableWidget::currentCellChanged, this, [this] { UpdateStates(); });
+    connect(d->all, &QCheckBox::clicked, this, [this] {
+        // A click on a partly checked box checks all.
+        const Qt::CheckState state = d->all->checkState() == Qt::Unchecked ? Qt::Unchecked : Qt::Checked;
+        d->updating = true;
+        for (int r = 0; r < d->list->rowCount(); ++r)
+            d->list->item(r, kLabelColumn)->setCheckState(state);
+        d->updating = false;
+        UpdateStates();
+    });
+
+    // The columns in the order they show: visible ones by display position,
+    // then hidden ones in real order.
+    std::vector<COLUMN> columns;
+    std::vector<std::pair<int, unsigned int>> shown;  // (display position, real column)
+    for (unsigned int c = 0; view && c < view->GetRealColumns(); ++c) {
+        const CNyrReportViewCol* col = view->GetRealCol(c);
+        if (col->IsVisible())
+            shown.emplace_back(view->GetColumnOrder(view->ScreenColFromReal(c)), c);
+    }
+    std::sort(shown.begin(), shown.end());
+    for (const auto& [position, c] : shown)
+        columns.push_back({c, true, view->horizontalHeader()->sectionSize(view->ScreenColFromReal(c))});
+    for (unsigned int c = 0; view && c < view->GetRealColumns(); ++c) {
+        const CNyrReportViewCol* col = view->GetRealCol(c);
+        if (col->IsHidden() && !col->IsDeleted())
+            columns.push_back({c, false, col->GetWidth()});
+    }
+    SetColumns(columns);
+    resize(360, 360);
+}
+
+CNyrReportViewColumnsDlg::~CNyrReportViewColumnsDlg() = default;
+
+std::vector<CNyrReportViewColumnsDlg::COLUMN> CNyrReportViewColumnsDlg::GetColumns() const
+{
+    std::vector<COLUMN> columns;
+    for (int r = 0; r < d->list->rowCount(); ++r) {
+        const QTableWidgetItem* label = d->list->item(r, kLabelColumn);
+        columns.push_back({label->data(kRealColRole).toUInt(), label->checkState() == Qt::Checked,
+                           std::clamp(d->list->item(r, kWidthColumn)->data(Qt::EditRole).toInt(), 0, kMaxWidth)});
+    }
+    return columns;
+}
+
+void CNyrReportViewColumnsDlg::SetColumns(const std::vector<COLUMN>& columns)
+{
+    d->updating = true;
+    d->list->setRowCount(0);
+    for (const COLUMN& c : columns) {
+        const CNyrReportViewCol* col = d->view ? d->view->GetRealCol(c.realCol) : nullptr;
+        if (col && !col->IsDeleted())
+            d->AddRow(col, c.realCol, c.visible, std::clamp(c.width, 0, kMaxWidth));
+    }
+    d->updating = false;
+    if (d->list->rowCount() > 0)
+        d->list->setCurrentCell(0, kLabelColumn);
+    UpdateStates();
+}
+
+void CNyrReportViewColumnsDlg::MoveRow(int from, int to)
+{
+    if (from < 0 || to < 0 || from >= d->list->rowCount() || to >= d->list->rowCount())
+        return;
+    d->updating = true;
+    for (int c : {kLabelColumn, kWidthColumn}) {
+        QTableWidgetItem* a = d->list->takeItem(from, c);
+        QTableWidgetItem* b = d->list->takeItem(to, c);
+        d->list->setItem(from, c, b);
+        d->list->setItem(to, c, a);
+    }
+    d->updating = false;
+    d->list->setCurrentCell(to, kLabelColumn);
+    UpdateStates();
+}
+
+void CNyrReportViewColumnsDlg::MoveUp()
+{
+    const int row = d->list->currentRow();
+    MoveRow(row, row - 1);
+}
+
+void CNyrReportViewColumnsDlg::MoveDown()
+{
+    const int row = d->list->currentRow();
+    MoveRow(row, row + 1);
+}
+
+void CNyrReportViewColumnsDlg::SetDefaults()
+{
+    if (!d->view)
+        return;
+    std::vector<std::pair<int, unsigned int>> byOrder;  // (default order, real column)
+    for (unsigned int c = 0; c < d->view->GetRealColumns(); ++c) {
+        if (!d->view->GetRealCol(c)->IsDeleted())
+            byOrder.emplace_back(d->view->GetRealColOrderDefault(c), c);
+    }
+    std::stable_sort(byOrder.begin(), byOrder.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<COLUMN> columns;
+    for (const auto& [order, c] : byOrder) {
+        const CNyrReportViewCol* col = d->view->GetRealCol(c);
+        columns.push_back({c, !col->GetHiddenDefault(), col->GetWidthDefault()});
+    }
+    SetColumns(columns);
+}
+
+void CNyrReportViewColumnsDlg::UpdateStates()
+{
+    if (d->updating)
+        return;
+    int checked = 0;
+    const int rows = d->list->rowCount();
+    for (int r = 0; r < rows; ++r)
+        checked += d->list->item(r, kLabelColumn)->checkState() == Qt::Checked ? 1 : 0;
+    d->all->setCheckState(checked == 0 ? Qt::Unchecked : checked == rows ? Qt::Checked : Qt::PartiallyChecked);
+    d->ok->setEnabled(checked > 0);
+    const int row = d->list->currentRow();
+    d->up->setEnabled(row > 0);
+    d->down->setEnabled(row >= 0 && row + 1 < rows);
+}
+
+QTableWidget* CNyrReportViewColumnsDlg::ColumnList() const
+{
+    return d->list;
+}
+
+QCheckBox* CNyrReportViewColumnsDlg::AllColumnsBox() const
+{
+    return d->all;
+}
+
+QPushButton* CNyrReportViewColumnsDlg::MoveUpButton() const
+{
+    return d->up;
+}
+
+QPushButton* CNyrReportViewColumnsDlg::MoveDownButton() const
+{
+    return d->down;
+}
+
+QPushButton* CNyrReportViewColumnsDlg::DefaultsButton() const
+{
+    return d->defaults;
+}
+
+QPushButton* CNyrReportViewColumnsDlg::OkButton() const
+{
+    return d->ok;
+}

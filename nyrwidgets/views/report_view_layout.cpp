@@ -1,0 +1,319 @@
+// Column layout of CNyrReportView: the stored "ColWidth" and "ColOrder", the
+// defaults, the columns dialog and the restore as a view opens.
+#include <QHeaderView>
+#include <algorithm>
+#include <numeric>
+
+#include "nyr/util/profile_entries.h"
+#include "nyrwidgets/views/report_view_columns_dlg.h"
+#include "nyrwidgets/views/report_view_p.h"
+
+using nyr::views_detail::Ix;
+
+namespace {
+
+// Stored widths of a deleted and of a hidden column; a column added since
+// the value was stored shows with kNewColumnWidth pixels.
+constexpr int kWidthDeleted = -2;
+constexpr int kWidthHidden = -1;
+constexpr int kNewColumnWidth = 80;
+constexpr int kMaxWidth = 32767;
+
+int& ColWidthDefaultValue()
+{
+    static int value = 0;
+    return value;
+}
+
+int& ColOrderDefaultValue()
+{
+    static int value = 0;
+    return value;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Stored values
+
+int CNyrReportView::StoreColWidthAndHidden()
+{
+    return StoreColWidthAndHiddenIn(InifileSection());
+}
+
+int CNyrReportView::StoreColWidthAndHiddenIn(const std::string& section)
+{
+    if (d->cols.empty())
+        return 0;
+    const QHeaderView* header = horizontalHeader();
+    std::vector<int> values;
+    values.reserve(d->cols.size());
+    for (std::size_t c = 0; c < d->cols.size(); ++c) {
+        const CNyrReportViewCol* col = d->cols[c].get();
+        if (col->IsDeleted())
+            values.push_back(kWidthDeleted);
+        else if (col->IsHidden())
+            values.push_back(kWidthHidden);
+        else
+            values.push_back(header->sectionSize(ScreenColFromReal(static_cast<unsigned int>(c))));
+    }
+    return CNyrProfileEntries::WriteNyrProfileIntVector(section, CNyrProfileEntries::ReportViewColWidth(), values);
+}
+
+int CNyrReportView::StoreColOrder()
+{
+    return StoreColOrderIn(InifileSection());
+}
+
+int CNyrReportView::StoreColOrderIn(const std::string& section)
+{
+    if (d->cols.empty())
+        return 0;
+    const QHeaderView* header = horizontalHeader();
+    std::vector<int> values;
+    values.reserve(d->cols.size());
+    for (std::size_t c = 0; c < d->cols.size(); ++c) {
+        CNyrReportViewCol* col = d->cols[c].get();
+        col->m_order = col->IsVisible() ? header->visualIndex(ScreenColFromReal(static_cast<unsigned int>(c)))
+                                        : static_cast<int>(c);
+        values.push_back(col->m_order);
+    }
+    return CNyrProfileEntries::WriteNyrProfileIntVector(section, CNyrProfileEntries::ReportViewColOrder(), values);
+}
+
+int CNyrReportView::LoadColWidthAndHidden(std::vector<int>& widths)
+{
+    widths.clear();
+    if (d->cols.empty())
+        return 0;
+    CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewColWidth(), widths);
+    if (widths.empty())
+        return 0;
+    if (widths.size() < d->cols.size())
+        widths.resize(d->cols.size(), kNewColumnWidth);
+    return 1;
+}
+
+int CNyrReportView::LoadColOrder(std::vector<int>& order)
+{
+    order.clear();
+    if (d->cols.empty())
+        return 0;
+    CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewColOrder(), order);
+    // Missing entries (all of them when nothing is stored): the column's own
+    // real index.
+    while (order.size() < d->cols.size())
+        order.push_back(static_cast<int>(order.size()));
+    return 1;
+}
+
+void CNyrReportView::ApplyColWidthAndHidden(const std::vector<int>& widths)
+{
+    const std::size_t n = std::min(widths.size(), d->cols.size());
+    // A value that would leave no column on screen is refused whole: the
+    // view would have no header left to bring a column back with.
+    bool anyShown = false;
+    for (std::size_t c = 0; c < d->cols.size() && !anyShown; ++c) {
+        const int width = c < n ? widths[c] : kWidthHidden - 2;
+        anyShown = !d->cols[c]->IsDeleted() &&
+                   (width >= 0 || (width < kWidthDeleted && d->cols[c]->IsVisible()));
+    }
+    if (!anyShown)
+        return;
+    const int minWidth = horizontalHeader()->minimumSectionSize();
+    for (std::size_t c = 0; c < n; ++c) {
+        const auto realCol = static_cast<unsigned int>(c);
+        const int width = widths[c];
+        if (width == kWidthDeleted) {
+            DeleteRealCol(realCol, 1);
+        } else if (width == kWidthHidden) {
+            HideRealCol(realCol, 1, 1);
+        } else if (width >= 0) {
+            // The width first, so that the column shows with it.
+            SetRealColWidth(realCol, std::clamp(width, minWidth, std::max(minWidth, kMaxWidth)));
+            HideRealCol(realCol, 0, 1);
+        }
+    }
+}
+
+void CNyrReportView::ApplyColOrder(const std::vector<int>& order)
+{
+    const std::size_t n = std::min(order.size(), d->cols.size());
+    for (std::size_t c = 0; c < n; ++c)
+        d->cols[c]->m_order = order[c];
+    // DisplayRealCols places the visible columns by their order fields,
+    // equal ones in real order.
+    DisplayRealCols();
+    HoldAllColInfos();
+}
+
+// ---------------------------------------------------------------------------
+// Switches and defaults
+
+void CNyrReportView::SerializeColWidthAndHidden(int serialize)
+{
+    d->serializeColWidth = serialize;
+}
+
+int CNyrReportView::GetSerializeColWidthAndHidden() const
+{
+    return d->serializeColWidth;
+}
+
+void CNyrReportView::SerializeColOrder(int serialize)
+{
+    d->serializeColOrder = serialize;
+}
+
+int CNyrReportView::GetSerializeColOrder() const
+{
+    return d->serializeColOrder;
+}
+
+void CNyrReportView::SerializeColWidthAndHiddenDefault(int serialize)
+{
+    ColWidthDefaultValue() = serialize;
+}
+
+int CNyrReportView::GetSerializeColWidthAndHiddenDefault()
+{
+    return ColWidthDefaultValue();
+}
+
+void CNyrReportView::SerializeColOrderDefault(int serialize)
+{
+    ColOrderDefaultValue() = serialize;
+}
+
+int CNyrReportView::GetSerializeColOrderDefault()
+{
+    return ColOrderDefaultValue();
+}
+
+int CNyrReportView::SetRealColWidth(unsigned int realCol, int width)
+{
+    if (realCol >= d->cols.size() || width < 0)
+        return 0;
+    d->cols[realCol]->SetWidth(width);
+    return 1;
+}
+
+void CNyrReportView::HoldAllColInfos()
+{
+    const QHeaderView* header = horizontalHeader();
+    for (std::size_t s = 0; s < d->screenToRealCol.size(); ++s) {
+        CNyrReportViewCol* col = d->Col(d->screenToRealCol[s]);
+        const int section = static_cast<int>(s);
+        col->m_width = header->sectionSize(section);
+        col->m_order = header->visualIndex(section);
+        col->m_left = header->sectionPosition(section);
+    }
+}
+
+void CNyrReportView::HoldRealColsDefaults()
+{
+    HoldAllColInfos();
+    for (std::size_t c = 0; c < d->cols.size(); ++c) {
+        CNyrReportViewCol* col = d->cols[c].get();
+        if (col->IsDeleted())
+            continue;
+        col->m_hiddenDefault = col->IsHidden();
+        col->m_widthDefault = col->m_width;
+        col->m_orderDefault = col->IsVisible() ? col->m_order : static_cast<int>(c);
+    }
+}
+
+int CNyrReportView::GetRealColOrderDefault(unsigned int realCol) const
+{
+    return realCol < d->cols.size() ? d->cols[realCol]->m_orderDefault : -1;
+}
+
+// ---------------------------------------------------------------------------
+// The columns dialog
+
+int CNyrReportView::ColumnsDialog()
+{
+    if (!d->columnsDlgStyle)
+        return 0;
+    CNyrReportViewColumnsDlg dialog(this);
+    if (dialog.exec() != QDialog::Accepted)
+        return 0;
+    const std::vector<CNyrReportViewColumnsDlg::COLUMN> columns = dialog.GetColumns();
+    HoldAllColInfos();
+    // Visibility first (the columns' hooks may veto), then the widths of
+    // the columns as they now stand, then the order of all.
+    if (d->columnsDlgStyle & ColumnsDlgVisibility) {
+        for (const auto& c : columns)
+            HideRealCol(c.realCol, c.visible ? 0 : 1, 1);
+    }
+    if (d->columnsDlgStyle & ColumnsDlgWidth) {
+        for (const auto& c : columns)
+            SetRealColWidth(c.realCol, c.width);
+    }
+    std::vector<int> order(d->cols.size());
+    for (std::size_t c = 0; c < order.size(); ++c)
+        order[c] = d->cols[c]->m_order;
+    if (d->columnsDlgStyle & (ColumnsDlgOrder | ColumnsDlgDefaults)) {
+        for (std::size_t pos = 0; pos < columns.size(); ++pos)
+            order[columns[pos].realCol] = static_cast<int>(pos);
+    }
+    ApplyColOrder(order);
+    if (d->serializeColWidth)
+        StoreColWidthAndHidden();
+    if (d->serializeColOrder)
+        StoreColOrder();
+    return 1;
+}
+
+void CNyrReportView::SetColumnsDlgStyle(unsigned int style)
+{
+    d->columnsDlgStyle = style;
+}
+
+unsigned int CNyrReportView::GetColumnsDlgStyle() const
+{
+    return d->columnsDlgStyle;
+}
+
+// ---------------------------------------------------------------------------
+// Opening and closing
+
+void CNyrReportView::RestoreLayout()
+{
+    if (d->serializeColWidth) {
+        std::vector<int> widths;
+        if (LoadColWidthAndHidden(widths))
+            ApplyColWidthAndHidden(widths);
+    }
+    if (d->serializeColOrder) {
+        // Only a stored order is applied: without one the columns keep the
+        // order the application gave them.
+        std::vector<int> stored;
+        CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewColOrder(),
+                                                    stored);
+        std::vector<int> order;
+        if (!stored.empty() && LoadColOrder(order))
+            ApplyColOrder(order);
+    }
+    if (d->serializeColWidth || d->serializeColOrder)
+        HoldAllColInfos();
+    if (d->serializeSortState) {
+        std::vector<SORT_STATE_REALCOL> state;
+        if (LoadSortState(state) && state.size() <= 3) {
+            d->sortState = state;
+            d->UpdateSortMarks();
+            if (!d->screenToRealItem.empty())
+                d->ResortScreen();
+        }
+    }
+}
+
+void CNyrReportView::StoreLayoutOnClose()
+{
+    if (!d->live)
+        return;
+    if (d->serializeColWidth)
+        StoreColWidthAndHiddenIn(d->liveSection);
+    if (d->serializeColOrder)
+        StoreColOrderIn(d->liveSection);
+}
