@@ -57,9 +57,9 @@ def main():
     for name in suites:
         if only and name not in only:
             continue
-        spec = importlib.util.spec_from_file_location(f"suite_{name}", os.path.join(HERE, name, "suite.py"))
-        module = importlib.util.module_from_spec(spec)
-        spec.loader.exec_module(module)
+        found = importlib.util.spec_from_file_location(f"suite_{name}", os.path.join(HERE, name, "suite.py"))
+        module = importlib.util.module_from_spec(found)
+        found.loader.exec_module(module)
         print(f"== {name}", flush=True)
         for row in module.run(ctx):
             met = row.met()

@@ -265,6 +265,18 @@ constexpr CNyrBuiltinText kTexts[] = {
     // Mail: the hand-off to the user's mail client
     {26293, "The mail client cannot be started."},
     {26294, "The mail client hand-off command does not work."},
+    // Find dialog and columns dialog of list and report views
+    {26295, "F&ind what:"},
+    {26296, "In c&olumn:"},
+    {26297, "Match &whole word only"},
+    {26298, "Match c&ase"},
+    {26299, "Search from &beginning"},
+    {26300, "Add to se&lection"},
+    {26301, "Add to chec&ked"},
+    {26302, "Width"},
+    {26303, "Move &Up"},
+    {26304, "Move &Down"},
+    {26305, "&Defaults"},
     // Tool tips of small tool buttons
     {56118, "Browse"},
     {56119, "Clear"},

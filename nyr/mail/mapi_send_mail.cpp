@@ -182,8 +182,8 @@ std::string ExecProgram(const std::string& exec)
     return line.substr(0, line.find_first_of(" \t"));
 }
 
-// The Exec value of the desktop entry `id`, looked up as the freedesktop
-// specification says: $XDG_DATA_HOME, then $XDG_DATA_DIRS, "applications/",
+// The Exec value of the desktop entry `id`, looked up by the freedesktop
+// desktop-entry rules: $XDG_DATA_HOME, then $XDG_DATA_DIRS, "applications/",
 // with a "vendor-app.desktop" also found as "vendor/app.desktop".
 std::string DesktopEntryExec(const std::string& id)
 {

@@ -30,14 +30,9 @@ QString ButtonText(unsigned int id)
     return text;
 }
 
-// The dialog's own labels, which the text table does not hold.
-const char* const kFindWhat = "F&ind what:";
-const char* const kInColumn = "In c&olumn:";
-const char* const kMatchWord = "Match &whole word only";
-const char* const kMatchCase = "Match c&ase";
-const char* const kFromBeginning = "Search from &beginning";
-const char* const kAddToSelection = "Add to se&lection";
-const char* const kAddToChecked = "Add to chec&ked";
+// The dialog's own labels in the text table.
+constexpr unsigned int kFindWhat = 26295, kInColumn = 26296, kMatchWord = 26297, kMatchCase = 26298,
+                       kFromBeginning = 26299, kAddToSelection = 26300, kAddToChecked = 26301;
 
 }  // namespace
 
@@ -66,23 +61,23 @@ CNyrListViewFindDialog::CNyrListViewFindDialog(CNyrListViewFind* finder, QWidget
 
     d->search = new QLineEdit(this);
     d->column = new QComboBox(this);
-    d->matchWord = new QCheckBox(QString::fromUtf8(kMatchWord), this);
-    d->matchCase = new QCheckBox(QString::fromUtf8(kMatchCase), this);
-    d->fromBeginning = new QCheckBox(QString::fromUtf8(kFromBeginning), this);
+    d->matchWord = new QCheckBox(Text(kMatchWord), this);
+    d->matchCase = new QCheckBox(Text(kMatchCase), this);
+    d->fromBeginning = new QCheckBox(Text(kFromBeginning), this);
     d->findNext = new QPushButton(ButtonText(26033), this);
     d->findPrev = new QPushButton(ButtonText(26034), this);
     d->selectAll = new QPushButton(ButtonText(26035), this);
-    d->addToSelection = new QPushButton(QString::fromUtf8(kAddToSelection), this);
+    d->addToSelection = new QPushButton(Text(kAddToSelection), this);
     d->checkAll = new QPushButton(ButtonText(26038), this);
-    d->addToChecked = new QPushButton(QString::fromUtf8(kAddToChecked), this);
+    d->addToChecked = new QPushButton(Text(kAddToChecked), this);
     auto* close = new QPushButton(Text(56124), this);
     d->findNext->setDefault(true);
     d->findNext->setAutoDefault(true);
 
     auto* fields = new QGridLayout;
-    auto* searchLabel = new QLabel(QString::fromUtf8(kFindWhat), this);
+    auto* searchLabel = new QLabel(Text(kFindWhat), this);
     searchLabel->setBuddy(d->search);
-    auto* columnLabel = new QLabel(QString::fromUtf8(kInColumn), this);
+    auto* columnLabel = new QLabel(Text(kInColumn), this);
     columnLabel->setBuddy(d->column);
     fields->addWidget(searchLabel, 0, 0);
     fields->addWidget(d->search, 0, 1);

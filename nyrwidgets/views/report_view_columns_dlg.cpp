@@ -27,11 +27,8 @@ QString Text(unsigned int id)
     return QString::fromStdString(NyrLoadString(id));
 }
 
-// The dialog's own labels, which the text table does not hold.
-const char* const kWidthHeading = "Width";
-const char* const kMoveUp = "Move &Up";
-const char* const kMoveDown = "Move &Down";
-const char* const kDefaults = "&Defaults";
+// The dialog's own labels in the text table.
+constexpr unsigned int kWidthHeading = 26302, kMoveUp = 26303, kMoveDown = 26304, kDefaults = 26305;
 
 // Widths are edited in a spin box of the valid range.
 class WidthDelegate : public QStyledItemDelegate
@@ -94,7 +91,7 @@ CNyrReportViewColumnsDlg::CNyrReportViewColumnsDlg(CNyrReportView* view, QWidget
     d->all->setTristate(true);
     d->all->setEnabled(d->style & CNyrReportView::ColumnsDlgVisibility);
     d->list = new QTableWidget(0, 2, this);
-    d->list->setHorizontalHeaderLabels({QString(), QString::fromUtf8(kWidthHeading)});
+    d->list->setHorizontalHeaderLabels({QString(), Text(kWidthHeading)});
     d->list->horizontalHeader()->setSectionResizeMode(kLabelColumn, QHeaderView::Stretch);
     d->list->verticalHeader()->hide();
     d->list->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -102,9 +99,9 @@ CNyrReportViewColumnsDlg::CNyrReportViewColumnsDlg(CNyrReportView* view, QWidget
     d->list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                              QAbstractItemView::AnyKeyPressed);
     d->list->setItemDelegateForColumn(kWidthColumn, new WidthDelegate(d->list));
-    d->up = new QPushButton(QString::fromUtf8(kMoveUp), this);
-    d->down = new QPushButton(QString::fromUtf8(kMoveDown), this);
-    d->defaults = new QPushButton(QString::fromUtf8(kDefaults), this);
+    d->up = new QPushButton(Text(kMoveUp), this);
+    d->down = new QPushButton(Text(kMoveDown), this);
+    d->defaults = new QPushButton(Text(kDefaults), this);
     d->up->setVisible(d->style & CNyrReportView::ColumnsDlgOrder);
     d->down->setVisible(d->style & CNyrReportView::ColumnsDlgOrder);
     d->defaults->setVisible(d->style & CNyrReportView::ColumnsDlgDefaults);
