@@ -66,10 +66,8 @@ std::string FindProgram(const std::string& command)
     std::string_view dirs = path && *path ? path : "/usr/local/bin:/usr/bin:/bin";
     for (;;) {
         const std::size_t colon = dirs.find(':');
-        std::string dir(dirs.substr(0, colon));
-        if (dir.empty())
-            dir = ".";
-        const std::string candidate = dir + "/" + command;
+        const std::string_view dir = dirs.substr(0, colon);  // an empty entry is the current folder
+        const std::string candidate = std::string(dir.empty() ? std::string_view(".") : dir) + "/" + command;
         if (IsExecutableFile(candidate))
             return candidate;
         if (colon == std::string_view::npos)
