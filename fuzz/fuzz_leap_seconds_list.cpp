@@ -19,12 +19,17 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
     char pattern[] = "/tmp/nyr-fuzz-leap-XXXXXX";
     g_dir = mkdtemp(pattern) ? pattern : "/tmp";
-    NyrSetProfilePath(g_dir + "/Nyr240.INI");
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
+    // A settings file of its own for every input: the store may trust its
+    // cache of a file for a clock tick, so a file removed behind its back
+    // could still be read by the next input.
+    static unsigned long run = 0;
+    const std::string settings = g_dir + "/Nyr240-" + std::to_string(++run) + ".INI";
+    NyrSetProfilePath(settings);
     const std::string list = g_dir + "/leap-seconds.list";
     std::FILE* file = std::fopen(list.c_str(), "wb");
     if (!file)
@@ -42,6 +47,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CNyrTimeHelper::LoadLeapSeconds();
     if (CNyrTimeHelper::GetLeapSeconds(1e6) != before)
         __builtin_trap();
-    std::remove((g_dir + "/Nyr240.INI").c_str());
+    std::remove(settings.c_str());
     return 0;
 }
