@@ -133,17 +133,25 @@ int BuildMessage(const MailOptions& o, Message& m, std::ostream& err, const char
     return kSuccess;
 }
 
-int RunCompose(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+// Every mail form takes options only: anything left over is a usage error.
+int CheckAllTaken(const std::vector<std::string>& args, bool missing, std::ostream& err)
 {
-    bool missing = false;
-    MailOptions o;
-    TakeMailOptions(args, o, missing);
     if (missing)
         return UsageError(kMail, err, "an option is missing its value");
     if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
         return UsageError(kMail, err, "unknown option " + unknown);
     if (!args.empty())
         return UsageError(kMail, err, "unexpected argument " + args[0]);
+    return kSuccess;
+}
+
+int RunCompose(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    bool missing = false;
+    MailOptions o;
+    TakeMailOptions(args, o, missing);
+    if (const int status = CheckAllTaken(args, missing, err); status != kSuccess)
+        return status;
     Message m;
     if (const int status = BuildMessage(o, m, err, "compose"); status != kSuccess)
         return status;
@@ -164,12 +172,8 @@ int RunSend(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     const auto timeout = TakeOption(args, "--timeout", missing);
     const bool startTls = TakeFlag(args, "--starttls");
     const bool tls = TakeFlag(args, "--tls");
-    if (missing)
-        return UsageError(kMail, err, "an option is missing its value");
-    if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
-        return UsageError(kMail, err, "unknown option " + unknown);
-    if (!args.empty())
-        return UsageError(kMail, err, "unexpected argument " + args[0]);
+    if (const int status = CheckAllTaken(args, missing, err); status != kSuccess)
+        return status;
     if (!server)
         return UsageError(kMail, err, "send needs --server");
     if (startTls && tls)
@@ -223,12 +227,8 @@ int RunHandOff(std::vector<std::string>& args, std::ostream&, std::ostream& err)
     TakeMailOptions(args, o, missing);
     const auto command = TakeOption(args, "--command", missing);
     const bool dialog = TakeFlag(args, "--dialog");
-    if (missing)
-        return UsageError(kMail, err, "an option is missing its value");
-    if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
-        return UsageError(kMail, err, "unknown option " + unknown);
-    if (!args.empty())
-        return UsageError(kMail, err, "unexpected argument " + args[0]);
+    if (const int status = CheckAllTaken(args, missing, err); status != kSuccess)
+        return status;
     if (o.from || o.replyTo || o.mailer)
         return UsageError(kMail, err, "the mail client chooses the sender: no --from, --reply-to or --mailer");
     std::string body;
