@@ -3,11 +3,11 @@
 // behaviour stays (no cursor; messages on standard error).
 #include <QApplication>
 #include <QMainWindow>
-#include <QMessageBox>
 #include <QPointer>
 #include <cstdio>
 
 #include "nyr/frame/ui_hooks.h"
+#include "nyrwidgets/msgbox/message_box_dialog.h"
 
 namespace {
 
@@ -28,45 +28,21 @@ void EndWait()
         QApplication::restoreOverrideCursor();
 }
 
-// The platform's message-box style: the low nibble chooses the buttons, the
-// next one the icon.
+// The library's own message box: it reads the platform's style word (and the
+// library's extended buttons) and answers to its test seam.
 int ShowMessage(const std::string& text, const std::string& caption, unsigned style)
 {
     if (!HaveGui()) {
         std::fprintf(stderr, "%s%s%s\n", caption.c_str(), caption.empty() ? "" : ": ", text.c_str());
         return 1;
     }
-    static const QMessageBox::StandardButtons kSets[] = {
-        QMessageBox::Ok,
-        QMessageBox::Ok | QMessageBox::Cancel,
-        QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore,
-        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
-        QMessageBox::Yes | QMessageBox::No,
-        QMessageBox::Retry | QMessageBox::Cancel,
-    };
-    const unsigned set = style & 0xF;
-    QMessageBox box(QApplication::activeWindow());
-    box.setWindowTitle(QString::fromStdString(caption.empty() ? QApplication::applicationName().toStdString()
-                                                              : caption));
-    box.setText(QString::fromStdString(text));
-    box.setStandardButtons(set < std::size(kSets) ? kSets[set] : QMessageBox::Ok);
-    switch (style & 0xF0) {
-    case 0x10: box.setIcon(QMessageBox::Critical); break;
-    case 0x20: box.setIcon(QMessageBox::Question); break;
-    case 0x30: box.setIcon(QMessageBox::Warning); break;
-    case 0x40: box.setIcon(QMessageBox::Information); break;
-    default: break;
-    }
-    switch (box.exec()) {
-    case QMessageBox::Ok: return 1;
-    case QMessageBox::Cancel: return 2;
-    case QMessageBox::Abort: return 3;
-    case QMessageBox::Retry: return 4;
-    case QMessageBox::Ignore: return 5;
-    case QMessageBox::Yes: return 6;
-    case QMessageBox::No: return 7;
-    default: return 2;
-    }
+    const std::string title = caption.empty() ? QApplication::applicationName().toStdString() : caption;
+    // Guarded: the box goes with its parent if that is closed while it runs.
+    QPointer<CNyrMessageBoxDialog> box =
+        new CNyrMessageBoxDialog(QApplication::activeWindow(), text.c_str(), title.c_str(), style, 0, 0);
+    const int result = box->ShowMessageBox();
+    delete box;
+    return result;
 }
 
 // The main window is the active top-level window, else the first visible

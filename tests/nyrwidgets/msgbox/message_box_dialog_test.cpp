@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <functional>
 
+#include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 
 namespace {
@@ -175,3 +176,21 @@ TEST(DialogSeam, AnAnswerNoButtonGivesCountsAsClosing)
 }
 
 }  // namespace
+
+// The core library's message boxes (export errors, mail hand-off failures)
+// are this dialog too, so they read the same style word and hosts' tests
+// answer them through the same seam.
+TEST(DialogSeam, CoreMessagesUseTheLibraryDialog)
+{
+    std::vector<int> shown;
+    std::string title;
+    CNyrMessageBoxDialog::SetAnswerHook([&](CNyrMessageBoxDialog& d) {
+        shown = d.ButtonResults();
+        title = d.windowTitle().toStdString();
+        return 7;
+    });
+    EXPECT_EQ(NyrMessageBox("Replace the file?", "", 4 /* Yes, No */ | 0x20), 7);
+    CNyrMessageBoxDialog::SetAnswerHook({});
+    EXPECT_EQ(shown, (std::vector<int>{6, 7}));
+    EXPECT_EQ(title, QApplication::applicationName().toStdString());
+}
