@@ -11,8 +11,8 @@
 //  - no element is ever compared with itself: the pivot is moved out of the
 //    range being partitioned and compared only with the other elements, and
 //    insertion and heap sort compare distinct positions only;
-//  - every scanning loop checks its bound, so even a comparison that answers
-//    at random cannot step outside [first, last).
+//  - every scan and search is bounded by the range, not by the answers, so
+//    even a comparison that answers at random cannot step outside it.
 // With a strict weak order the result is sorted; with any other answers it
 // is some permutation of the input, never a crash.
 //
@@ -20,6 +20,8 @@
 // three; when the recursion budget (2 log2 n) runs out the range is heap
 // sorted; ranges of 32 elements or fewer are insertion sorted.
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <iterator>
 #include <utility>
@@ -102,42 +104,29 @@ void MedianOfThreeToFirst(It first, It a, It b, It c, Less& less)
 }
 
 // Partitions [first, last) (more than 3 elements) around the median of three,
-// which ends at the returned position: what lies before it does not compare
-// greater, what lies after it does not compare less. `ahead` is told of the
-// elements the scans will reach a few steps later, so that it can fetch what
-// the comparison will read.
+// which ends at the returned position: what lies before it compares less,
+// what lies after it does not. A Lomuto scan whose moves do not depend on
+// the answers, so they cost no mispredicted branches: the element looked at
+// is swapped to the end of the lower part either way, and the lower part
+// grows by the answer. `ahead` is told of the elements the scan will reach a
+// few steps later, so that it can fetch what the comparison will read.
 template <class It, class Less, class Ahead>
 It Partition(It first, It last, Less& less, Ahead& ahead)
 {
     const std::ptrdiff_t n = last - first;
     MedianOfThreeToFirst(first, first + 1, first + n / 2, last - 1, less);
-    // The pivot stays at `first`, outside [i, j], until the final swap.
-    It i = first + 1;
-    It j = last - 1;
-    for (;;) {
-        while (i <= j) {
-            if (j - i > kAheadDistance)
-                ahead(*(i + kAheadDistance));
-            if (!less(*i, *first))
-                break;
-            ++i;
-        }
-        while (i <= j) {
-            if (j - i > kAheadDistance)
-                ahead(*(j - kAheadDistance));
-            if (!less(*first, *j))
-                break;
-            --j;
-        }
-        if (i >= j)
-            break;
-        std::iter_swap(i, j);
-        ++i;
-        --j;
+    // The pivot stays at `first`, outside the scan, until the final swap.
+    // [first + 1, lower) compares less than it; [lower, j) does not.
+    It lower = first + 1;
+    for (It j = first + 1; j != last; ++j) {
+        if (last - j > kAheadDistance)
+            ahead(*(j + kAheadDistance));
+        const bool below = less(*j, *first);
+        std::iter_swap(j, lower);
+        lower += below ? 1 : 0;
     }
-    // j is the last position of the lower part (or `first` when it is empty).
-    std::iter_swap(first, j);
-    return j;
+    std::iter_swap(first, lower - 1);
+    return lower - 1;
 }
 
 template <class It, class Less, class Ahead>
@@ -162,6 +151,15 @@ void IntroSortLoop(It first, It last, int budget, Less& less, Ahead& ahead)
     InsertionSort(first, last, less);
 }
 
+// The introsort of [first, last), with its recursion budget.
+template <class It, class Less, class Ahead>
+void IntroSortRange(It first, It last, Less& less, Ahead& ahead)
+{
+    const std::ptrdiff_t n = last - first;
+    if (n > 1)
+        IntroSortLoop(first, last, 2 * (std::bit_width(static_cast<std::size_t>(n)) - 1), less, ahead);
+}
+
 }  // namespace nyr::views_detail
 
 namespace nyr {
@@ -172,13 +170,7 @@ namespace nyr {
 template <class It, class Less, class Ahead = views_detail::NoAhead>
 void NyrIntroSort(It first, It last, Less less, Ahead ahead = Ahead())
 {
-    const std::ptrdiff_t n = last - first;
-    if (n < 2)
-        return;
-    int depth = 0;
-    for (std::ptrdiff_t k = n; k > 1; k >>= 1)
-        ++depth;
-    views_detail::IntroSortLoop(first, last, 2 * depth, less, ahead);
+    views_detail::IntroSortRange(first, last, less, ahead);
 }
 
 }  // namespace nyr

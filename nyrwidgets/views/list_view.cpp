@@ -11,9 +11,9 @@
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
-#include "nyrwidgets/views/intro_sort_p.h"
 #include "nyrwidgets/views/list_view_p.h"
 #include "nyrwidgets/views/list_view_save_as_dlg_cv.h"
+#include "nyrwidgets/views/sample_sort_p.h"
 
 namespace {
 
@@ -472,7 +472,7 @@ void CNyrListView::SortList(const std::vector<SORT_STATE_SCREENCOL>& state)
     // their order.
     std::vector<int> order(d->plain->rows.size());
     std::iota(order.begin(), order.end(), 0);
-    nyr::NyrIntroSort(order.begin(), order.end(), [this, &state](int a, int b) {
+    nyr::NyrSampleSort(order.begin(), order.end(), [this, &state](int a, int b) {
         for (const SORT_STATE_SCREENCOL& s : state) {
             if (s.screenCol == 0xFFFFFFFFu)
                 break;

@@ -11,9 +11,9 @@
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
-#include "nyrwidgets/views/intro_sort_p.h"
 #include "nyrwidgets/views/report_view_p.h"
 #include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
+#include "nyrwidgets/views/sample_sort_p.h"
 
 using nyr::views_detail::Ix;
 using nyr::views_detail::IxInt;
@@ -76,7 +76,7 @@ void CNyrReportView::Private::SortRows(bool inRealOrder)
     } else if (std::is_sorted(entries.begin(), entries.end(), reversed)) {
         std::reverse(entries.begin(), entries.end());
     } else {
-        nyr::NyrIntroSort(entries.begin(), entries.end(), less, nyr::views_detail::PrefetchItem());
+        nyr::NyrSampleSort(entries.begin(), entries.end(), less, nyr::views_detail::PrefetchItem());
     }
     for (std::size_t s = 0; s < entries.size(); ++s)
         screenToRealItem[s] = entries[s].real;
