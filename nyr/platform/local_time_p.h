@@ -25,13 +25,17 @@ bool BreakdownUtc(int64_t seconds, struct tm& fields);
 // against the month) or the platform cannot convert.
 bool MakeLocal(int64_t year, int month, int day, int hour, int minute, int second, int dst, int64_t& seconds);
 
-// The local clock reading of an instant as seconds since 1970 (the instant
-// plus the zone's offset then), for ordering instants by local civil time
-// without a full breakdown each time: the offset is kept per UTC day, in a
-// small lock-free cache shared by all threads. False where Breakdown fails. The zone is taken as
-// fixed for the process, as everywhere in the library: after a deliberate
-// change of TZ, ForgetLocalOffsets() (CNyrTime::RefreshSystemTimezone calls it).
-bool LocalSeconds(int64_t seconds, int64_t& local);
+// Orders two instants (seconds since 1970 UTC) by their local clock
+// readings, each the instant plus the zone's offset then: -1 or 1 when the
+// readings lie two or more seconds apart, 0 when they are nearer or one
+// cannot be read (where Breakdown fails). Sorted time columns ask this
+// millions of times, so there is no full breakdown each time: offsets are
+// kept per UTC day, and two instants inside the latest stretch of days of
+// one offset compare by their seconds alone. Both caches are lock-free and
+// shared by all threads. The zone is taken as fixed for the process, as
+// everywhere in the library: after a deliberate change of TZ,
+// ForgetLocalOffsets() (CNyrTime::RefreshSystemTimezone calls it).
+int CompareLocalReadings(int64_t a, int64_t b);
 void ForgetLocalOffsets();
 
 }  // namespace nyr::local

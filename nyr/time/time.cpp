@@ -426,28 +426,14 @@ int CompareTimePart(const T& a, const T& b)
 
 }  // namespace
 
-int NyrCompare(const CNyrTime& a, const CNyrTime& b)
+int nyr::time_detail::CompareNear(const CNyrTime& a, const CNyrTime& b)
 {
-    // The MJD is a monotonic function of the local clock reading plus the
-    // fraction, and sorted time columns make millions of these comparisons,
-    // so the MJDs are the last resort:
-    //  - a local reading is the instant shifted by the zone's offset, and an
-    //    offset stays within ±25 hours (the POSIX limit of TZ rules, beyond
-    //    every tzdata zone): points more than 50 hours apart order as their
-    //    seconds do;
-    //  - nearer points order by their local readings (from a cached offset)
-    //    when these are two or more seconds apart, whatever the fractions;
-    //  - the rest, and points the breakdown cannot take (an MJD of 0.0),
-    //    compare their MJDs.
-    constexpr int64_t kFar = 50 * 3600;
-    constexpr int64_t kFirst = -62135596800 + kFar;  // 0001-01-01 00:00 UTC
-    constexpr int64_t kLast = 253402300799 - kFar;   // 9999-12-31 23:59:59 UTC
-    const int64_t sa = a.GetTime().GetTime(), sb = b.GetTime().GetTime();
-    if (sa >= kFirst && sa <= kLast && sb >= kFirst && sb <= kLast && (sa - sb > kFar || sb - sa > kFar))
-        return sa < sb ? -1 : 1;
-    int64_t la = 0, lb = 0;
-    if (nyr::local::LocalSeconds(sa, la) && nyr::local::LocalSeconds(sb, lb) && (la - lb >= 2 || lb - la >= 2))
-        return la < lb ? -1 : 1;
+    // Points this near order by their local readings (from a cached offset)
+    // when these are two or more seconds apart, whatever the fractions; the
+    // rest, and points the breakdown cannot take (an MJD of 0.0), compare
+    // their MJDs.
+    if (const int byReading = nyr::local::CompareLocalReadings(a.GetTime().GetTime(), b.GetTime().GetTime()))
+        return byReading;
     return Sign(a.Mjd(), b.Mjd());
 }
 

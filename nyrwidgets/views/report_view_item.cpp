@@ -1,7 +1,5 @@
 #include "nyrwidgets/views/report_view_item.h"
 
-#include "nyr/time/time.h"
-
 CNyrReportViewItem::~CNyrReportViewItem() = default;
 
 int CNyrReportViewItem::HideItem(int hide, int notify)
@@ -129,49 +127,4 @@ int CNyrReportViewItem::OnCompareItem(const CNyrReportViewItem*, unsigned int)
 QPointer<QObject> CNyrReportViewItem::OnGetItemDocument(unsigned int)
 {
     return {};
-}
-
-int CNyrReportViewItem::Compare(const CNyrTime& a, const CNyrTime& b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::Compare(const CTime& a, const CTime& b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::Compare(const COleDateTime& a, const COleDateTime& b)
-{
-    return NyrCompare(a, b);
-}
-
-int CNyrReportViewItem::CompareDatePart(const CNyrTime& a, const CNyrTime& b)
-{
-    return NyrCompareDatePart(a, b);
-}
-
-int CNyrReportViewItem::CompareDatePart(const CTime& a, const CTime& b)
-{
-    return NyrCompareDatePart(a, b);
-}
-
-int CNyrReportViewItem::CompareDatePart(const COleDateTime& a, const COleDateTime& b)
-{
-    return NyrCompareDatePart(a, b);
-}
-
-int CNyrReportViewItem::CompareTimePart(const CNyrTime& a, const CNyrTime& b)
-{
-    return NyrCompareTimePart(a, b);
-}
-
-int CNyrReportViewItem::CompareTimePart(const CTime& a, const CTime& b)
-{
-    return NyrCompareTimePart(a, b);
-}
-
-int CNyrReportViewItem::CompareTimePart(const COleDateTime& a, const COleDateTime& b)
-{
-    return NyrCompareTimePart(a, b);
 }

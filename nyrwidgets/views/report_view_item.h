@@ -4,12 +4,10 @@
 #include <string>
 
 #include "nyr/platform/export.h"
+#include "nyr/time/time.h"
 #include "nyrwidgets/views/compare.h"
 
 class CNyrReportView;
-class CNyrTime;
-class COleDateTime;
-class CTime;
 class QObject;
 class QPainter;
 class QStyleOptionViewItem;
@@ -132,15 +130,15 @@ public:
     static int Compare(unsigned int a, unsigned int b) { return NyrCompare(a, b); }
     static int Compare(unsigned long a, unsigned long b) { return NyrCompare(a, b); }
     static int Compare(double a, double b) { return NyrCompare(a, b); }
-    static int Compare(const CNyrTime& a, const CNyrTime& b);
-    static int Compare(const CTime& a, const CTime& b);
-    static int Compare(const COleDateTime& a, const COleDateTime& b);
-    static int CompareDatePart(const CNyrTime& a, const CNyrTime& b);
-    static int CompareDatePart(const CTime& a, const CTime& b);
-    static int CompareDatePart(const COleDateTime& a, const COleDateTime& b);
-    static int CompareTimePart(const CNyrTime& a, const CNyrTime& b);
-    static int CompareTimePart(const CTime& a, const CTime& b);
-    static int CompareTimePart(const COleDateTime& a, const COleDateTime& b);
+    static int Compare(const CNyrTime& a, const CNyrTime& b) { return NyrCompare(a, b); }
+    static int Compare(const CTime& a, const CTime& b) { return NyrCompare(a, b); }
+    static int Compare(const COleDateTime& a, const COleDateTime& b) { return NyrCompare(a, b); }
+    static int CompareDatePart(const CNyrTime& a, const CNyrTime& b) { return NyrCompareDatePart(a, b); }
+    static int CompareDatePart(const CTime& a, const CTime& b) { return NyrCompareDatePart(a, b); }
+    static int CompareDatePart(const COleDateTime& a, const COleDateTime& b) { return NyrCompareDatePart(a, b); }
+    static int CompareTimePart(const CNyrTime& a, const CNyrTime& b) { return NyrCompareTimePart(a, b); }
+    static int CompareTimePart(const CTime& a, const CTime& b) { return NyrCompareTimePart(a, b); }
+    static int CompareTimePart(const COleDateTime& a, const COleDateTime& b) { return NyrCompareTimePart(a, b); }
 
 private:
     friend class CNyrReportView;

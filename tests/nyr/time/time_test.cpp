@@ -475,6 +475,20 @@ TEST_F(TimeTest, FileStampsKeepTheFractionToTheTick)
 // must answer exactly as the MJD comparison does: in every zone, after the
 // zone changes, across clock changes, near the ends of the range and where
 // fractions of a second decide.
+namespace {
+
+// NyrCompare both ways against the comparison of the MJDs.
+void ExpectMjdOrder(int64_t sa, int64_t sb)
+{
+    const CNyrTime a(sa), b(sb);
+    const double ma = a.Mjd(), mb = b.Mjd();
+    const int expected = ma < mb ? -1 : (mb < ma ? 1 : 0);
+    EXPECT_EQ(NyrCompare(a, b), expected) << sa << " " << sb;
+    EXPECT_EQ(NyrCompare(b, a), -expected) << sa << " " << sb;
+}
+
+}  // namespace
+
 TEST(TimeCompare, AnswersExactlyAsTheMjdComparison)
 {
     const int64_t kDay = 86400;
@@ -502,5 +516,55 @@ TEST(TimeCompare, AnswersExactlyAsTheMjdComparison)
                 }
             }
         }
+    }
+}
+
+// Comparisons remember stretches of days with one offset; none may reach
+// over a clock change. Casablanca's clocks went back for Ramadan in 2013 and
+// forward again 34 days later, to the same offset as before.
+TEST(TimeCompare, KnowsEveryClockChangeWhateverWasComparedBefore)
+{
+    const int64_t kHour = 3600;
+    const int64_t ramadanStart = 1373162400;  // 2013-07-07 02:00 UTC: 02:59:59 +01 becomes 02:00 +00
+    const int64_t ramadanEnd = 1376100000;    // 2013-08-10 02:00 UTC: 01:59:59 +00 becomes 03:00 +01
+    ScopedZone zone("Africa/Casablanca");
+    // Days before, then days after the break, both at +01...
+    ExpectMjdOrder(ramadanStart - 4 * 24 * kHour, ramadanStart - 4 * 24 * kHour + kHour);
+    ExpectMjdOrder(ramadanEnd + 2 * 24 * kHour, ramadanEnd + 2 * 24 * kHour + kHour);
+    // ...and then the hour that came twice: 02:30 +01 before 02:10 +00.
+    ExpectMjdOrder(ramadanStart - 30 * 60, ramadanStart + 10 * 60);
+    // A sweep through the whole break, at every distance that matters.
+    const int64_t gaps[] = {1, 2, 1500, 4800, 30 * kHour, 49 * kHour};
+    for (int64_t t = ramadanStart - 3 * 24 * kHour; t < ramadanEnd + 3 * 24 * kHour; t += 5 * kHour + 17) {
+        for (int64_t gap : gaps)
+            ExpectMjdOrder(t, t + gap);
+    }
+}
+
+// A zone whose clocks go back from UTC+0 to UTC-1 at 00:00 UTC: the days on
+// either side of the change are whole days of different offsets.
+TEST(TimeCompare, KeepsDaysOfDifferentOffsetsApart)
+{
+    const int64_t change = 1729987200;  // 2024-10-27 00:00 UTC
+    ScopedZone zone("XST1XDT0,M3.5.0/0,M10.5.0/0");
+    ExpectMjdOrder(change - 6 * 3600, change - 5 * 3600);    // the day before
+    ExpectMjdOrder(change + 12 * 3600, change + 13 * 3600);  // the day after
+    ExpectMjdOrder(change - 10 * 60, change + 20 * 60);      // 23:50 +00 after 23:20 -01
+}
+
+TEST(TimeCompare, ManyZoneRefreshesNeverReviveOldOffsets)
+{
+    // Berlin's fall back, 2024-10-27 01:00 UTC: 02:30 CEST comes before 02:10 CET.
+    const int64_t fallBack = 1729990800, a = fallBack - 30 * 60, b = fallBack + 10 * 60;
+    {
+        // In UTC the days around it are plain days of one offset.
+        ScopedZone utc("UTC");
+        for (int64_t t = fallBack - 2 * 86400; t < fallBack + 2 * 86400; t += 3600)
+            ExpectMjdOrder(t, t + 1800);
+    }
+    ScopedZone berlin("Europe/Berlin");
+    for (int i = 0; i < 1100; ++i) {
+        ASSERT_EQ(NyrCompare(CNyrTime(a), CNyrTime(b)), 1) << "after " << i << " more refreshes";
+        CNyrTime::RefreshSystemTimezone();
     }
 }
