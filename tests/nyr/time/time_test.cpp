@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <random>
+#include <thread>
 #include <tuple>
+#include <vector>
 
 #include "tests/nyr/time/scoped_zone_p.h"
 #include "tests/support/temp_dir.h"
@@ -567,4 +572,45 @@ TEST(TimeCompare, ManyZoneRefreshesNeverReviveOldOffsets)
         ASSERT_EQ(NyrCompare(CNyrTime(a), CNyrTime(b)), 1) << "after " << i << " more refreshes";
         CNyrTime::RefreshSystemTimezone();
     }
+}
+
+// The offset caches are shared by all threads without locks: threads that
+// compare different stretches of time at once, filling and replacing each
+// other's entries, still all answer as the MJDs do.
+TEST(TimeCompare, ThreadsShareTheOffsetCachesAndAgree)
+{
+    ScopedZone zone("Europe/Berlin");
+    struct Pair
+    {
+        int64_t a, b;
+        int expected;
+    };
+    std::vector<Pair> pairs;
+    std::mt19937_64 rng(11);
+    for (int i = 0; i < 20000; ++i) {
+        // Near pairs over forty years: more days than the day table holds.
+        const int64_t a = 631152000 + static_cast<int64_t>(rng() % 1262304000);
+        const int64_t b = a + static_cast<int64_t>(rng() % 360000) - 180000;
+        const double ma = CNyrTime(a).Mjd(), mb = CNyrTime(b).Mjd();
+        pairs.push_back({a, b, ma < mb ? -1 : (mb < ma ? 1 : 0)});
+    }
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (unsigned t = 0; t < 4; ++t) {
+        threads.emplace_back([&pairs, &wrong, t] {
+            std::vector<Pair> mine = pairs;
+            std::shuffle(mine.begin(), mine.end(), std::mt19937(t));
+            // Half of the threads sort by time first, so that they walk the
+            // days in order and keep growing the run.
+            if (t % 2 == 0)
+                std::sort(mine.begin(), mine.end(), [](const Pair& x, const Pair& y) { return x.a < y.a; });
+            for (int round = 0; round < 3; ++round) {
+                for (const Pair& p : mine)
+                    wrong += NyrCompare(CNyrTime(p.a), CNyrTime(p.b)) != p.expected ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong.load(), 0);
 }
