@@ -4,6 +4,7 @@
 // text, a CNyrTime, a second double and a second text), as report view items
 // and as the same values for a plain Qt table model.
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -96,6 +97,15 @@ private:
     double m_value2;
     std::string m_text2;
 };
+
+// Seconds that f() takes.
+template <class F>
+double Seconds(F&& f)
+{
+    const auto start = std::chrono::steady_clock::now();
+    f();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
 
 inline void AddColumns(CNyrReportView& view)
 {

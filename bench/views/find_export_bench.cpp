@@ -10,7 +10,6 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -20,6 +19,7 @@
 
 using nyr::bench::BenchItem;
 using nyr::bench::Row;
+using nyr::bench::Seconds;
 using Crit = CNyrListViewFind::CSearchCrit;
 
 namespace {
@@ -38,14 +38,6 @@ CNyrReportView& SharedView()
         return v;
     }();
     return *view;
-}
-
-template <class F>
-double Seconds(F&& f)
-{
-    const auto start = std::chrono::steady_clock::now();
-    f();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 // The text searched for: absent from every cell, or the last row's id

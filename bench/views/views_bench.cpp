@@ -10,13 +10,13 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QSortFilterProxyModel>
-#include <chrono>
 #include <memory>
 
 #include "bench/views/bench_items_p.h"
 
 using nyr::bench::BenchItem;
 using nyr::bench::Row;
+using nyr::bench::Seconds;
 using SortKey = CNyrReportView::SORT_STATE_REALCOL;
 
 namespace {
@@ -100,14 +100,6 @@ QSortFilterProxyModel& SharedProxy()
     return *proxy;
 }
 
-template <class F>
-double Seconds(F&& f)
-{
-    const auto start = std::chrono::steady_clock::now();
-    f();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 // Ascending from insertion order.
 void BM_ReportViewSort_1M(benchmark::State& state)
 {
@@ -150,15 +142,22 @@ void BM_QtProxySortDescending_1M(benchmark::State& state)
     }
 }
 
+// The item objects for all rows, made outside the timed part.
+std::vector<BenchItem*> NewItems()
+{
+    std::vector<BenchItem*> items;
+    items.reserve(Rows().size());
+    for (const Row& r : Rows())
+        items.push_back(new BenchItem(r));
+    return items;
+}
+
 // Adding the items to the model and showing them (creating the item objects
 // is the application's work and not timed).
 void BM_AddAndDisplay_1M(benchmark::State& state)
 {
     for (auto _ : state) {
-        std::vector<BenchItem*> items;
-        items.reserve(Rows().size());
-        for (const Row& r : Rows())
-            items.push_back(new BenchItem(r));
+        const std::vector<BenchItem*> items = NewItems();
         auto view = std::make_unique<CNyrReportView>();
         nyr::bench::AddColumns(*view);
         state.SetIterationTime(Seconds([&] {
@@ -173,10 +172,7 @@ void BM_AddAndDisplay_1M(benchmark::State& state)
 void BM_AppendDisplayed_1M(benchmark::State& state)
 {
     for (auto _ : state) {
-        std::vector<BenchItem*> items;
-        items.reserve(Rows().size());
-        for (const Row& r : Rows())
-            items.push_back(new BenchItem(r));
+        const std::vector<BenchItem*> items = NewItems();
         auto view = std::make_unique<CNyrReportView>();
         nyr::bench::AddColumns(*view);
         view->DisplayRealItems(0);
