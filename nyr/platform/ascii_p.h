@@ -1,0 +1,57 @@
+#pragma once
+
+// ASCII case folding that ignores the C locale. Names the library compares
+// without regard to case (registered notifications, message keys, library
+// names, find text) must give the same answer whatever locale the host set:
+// under tr_TR, tolower('I') is not 'i'. Bytes from 0x80 up are left alone, so
+// UTF-8 text passes through unchanged.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace nyr::ascii {
+
+constexpr char ToLower(char c) noexcept { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + ('a' - 'A')) : c; }
+constexpr char ToUpper(char c) noexcept { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - ('a' - 'A')) : c; }
+
+inline std::string ToLower(std::string_view text)
+{
+    std::string out(text);
+    for (char& c : out)
+        c = ToLower(c);
+    return out;
+}
+
+inline std::string ToUpper(std::string_view text)
+{
+    std::string out(text);
+    for (char& c : out)
+        c = ToUpper(c);
+    return out;
+}
+
+constexpr bool EqualsNoCase(std::string_view a, std::string_view b) noexcept
+{
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (ToLower(a[i]) != ToLower(b[i]))
+            return false;
+    return true;
+}
+
+// <0, 0, >0 as strcasecmp, but locale-free; shorter text first on a common prefix.
+constexpr int CompareNoCase(std::string_view a, std::string_view b) noexcept
+{
+    const std::size_t n = a.size() < b.size() ? a.size() : b.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned char x = static_cast<unsigned char>(ToLower(a[i]));
+        const unsigned char y = static_cast<unsigned char>(ToLower(b[i]));
+        if (x != y)
+            return x < y ? -1 : 1;
+    }
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
+}
+
+}  // namespace nyr::ascii
