@@ -38,11 +38,13 @@ bool TimeFromGps(int week, double secondsOfWeek, CNyrTime& time)
     const double whole = std::floor(secondsOfWeek);
     const int64_t gps = int64_t{week} * 604800 + static_cast<int64_t>(whole) + kGpsEpochUnix;
     // GPS - UTC depends on the UTC instant sought: start from the offset at
-    // the GPS reading and settle it with the offset at the result.
-    int64_t unix = gps - LeapSecondsAt(gps);
-    unix = gps - LeapSecondsAt(unix);
+    // the GPS reading and settle it with the offset at that guess. When the
+    // offset at the result still disagrees, the reading lies inside an
+    // inserted leap second.
+    int64_t unix = gps - LeapSecondsAt(gps - LeapSecondsAt(gps));
+    const bool insideLeap = LeapSecondsAt(unix) != gps - unix;
     time = CNyrTime(unix);
-    time.SetFracSecond(secondsOfWeek - whole);
+    time.SetFracSecond(insideLeap ? 0.0 : secondsOfWeek - whole);
     return time.GetTime().GetTime() == unix;
 }
 

@@ -23,7 +23,8 @@ bool GpsFromTime(const CNyrTime& time, int& week, double& secondsOfWeek);
 // The instant of a GPS week and seconds of week; false for a week below 0,
 // seconds outside [0, 604800) or not finite, or an instant the time point
 // cannot hold. An instant inside an inserted leap second has no UTC reading
-// of its own and comes out as the first instant after it.
+// of its own (the time point counts no leap seconds) and comes out as the
+// first instant after it.
 bool TimeFromGps(int week, double secondsOfWeek, CNyrTime& time);
 
 }  // namespace survey
