@@ -108,7 +108,9 @@ void CTimeConverter::SetTime(const CNyrTime& time)
 
 void CTimeConverter::Show()
 {
-    m_fields[FieldLocal]->setText(QString::fromStdString(m_time.Format(CNyrTimeHelper::eRoundSecond)));
+    // Not rounded: half a second before midnight is still the old day.
+    m_fields[FieldLocal]->setText(QString::fromStdString(m_time.Format(CNyrTimeHelper::eRoundNone) +
+                                                         m_time.FormatFracSec(CNyrTimeHelper::eRoundThousandth)));
     m_fields[FieldUtc]->setText(QString::fromStdString(FormatIsoUtc(m_time)));
     const double unix = static_cast<double>(m_time.GetTime().GetTime()) + m_time.GetFracSecond();
     m_fields[FieldMjd]->setText(QString::number(unix / 86400.0 + kMjdOfUnixEpoch, 'f', 8));
