@@ -1,5 +1,6 @@
 #include "apps/nyr-survey/project/gps_time.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "nyr/time/time.h"
@@ -44,7 +45,10 @@ bool TimeFromGps(int week, double secondsOfWeek, CNyrTime& time)
     int64_t unix = gps - LeapSecondsAt(gps - LeapSecondsAt(gps));
     const bool insideLeap = LeapSecondsAt(unix) != gps - unix;
     time = CNyrTime(unix);
-    time.SetFracSecond(insideLeap ? 0.0 : secondsOfWeek - whole);
+    // To the nanosecond: 604799.999 - 604799 is 0.99899999..., which would
+    // read as 998 ms.
+    const double fraction = std::min(std::round((secondsOfWeek - whole) * 1e9) / 1e9, 0.999999999);
+    time.SetFracSecond(insideLeap ? 0.0 : fraction);
     return time.GetTime().GetTime() == unix;
 }
 
