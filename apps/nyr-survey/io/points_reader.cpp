@@ -1,6 +1,7 @@
 // Reading points files (see points_file.h): the text is checked as UTF-8
 // once, then read line by line into a new project that replaces the caller's
 // only when every line was good.
+#include <QFileInfo>
 #include <QString>
 #include <algorithm>
 #include <charconv>
@@ -377,6 +378,10 @@ bool ReadPointsText(std::string_view text, ProjectData& out, std::string& error)
 bool ReadPointsFile(const std::string& path, ProjectData& out, std::string& error)
 {
     std::string text, reason;
+    if (const QFileInfo info(QString::fromStdString(path)); info.isFile() && info.size() > qint64{kMaxPointsFileBytes}) {
+        error = Message(TxtErrTooLarge, {QString::number(kMaxPointsFileBytes >> 20)});
+        return false;
+    }
     if (!NyrReadRegularFile(path, kMaxPointsFileBytes, text, &reason)) {
         error = Message(TxtErrRead, {QString::fromStdString(reason)});
         return false;

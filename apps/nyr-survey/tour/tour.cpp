@@ -1,38 +1,17 @@
 #include "apps/nyr-survey/tour/tour.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QComboBox>
-#include <QFile>
 #include <QFileDialog>
-#include <QHeaderView>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QPainter>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTest>
 #include <QTimer>
 #include <cstdio>
-#include <functional>
 
-#include "apps/nyr-survey/app/texts.h"
-#include "apps/nyr-survey/io/points_file.h"
 #include "apps/nyr-survey/project/survey_point.h"
-#include "apps/nyr-survey/tools/about_dialog.h"
-#include "apps/nyr-survey/tools/answers_dialog.h"
-#include "apps/nyr-survey/tools/time_converter.h"
-#include "apps/nyr-survey/tools/unit_converter.h"
 #include "apps/nyr-survey/tour/tour_steps.h"
 #include "apps/nyr-survey/window/main_window.h"
 #include "apps/nyr-survey/window/point_view.h"
-#include "apps/nyr-survey/window/unit_bar.h"
-#include "nyrwidgets/msgbox/message_box_dialog.h"
-#include "nyrwidgets/time/time_format_combo_box.h"
-#include "nyrwidgets/values/unit_combo_box.h"
-#include "nyrwidgets/views/list_view_find_dialog.h"
-#include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
-#include "nyrwidgets/views/report_view_sort_multiple_dlg.h"
 
 namespace survey {
 

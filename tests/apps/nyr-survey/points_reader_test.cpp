@@ -205,11 +205,14 @@ TEST_F(PointsReader, FilesBeyondTheLimitAndNonFilesAreRefusedBeforeReading)
     ASSERT_GE(fd, 0);
     ASSERT_EQ(::ftruncate(fd, static_cast<off_t>(kMaxPointsFileBytes) + 1), 0);  // sparse: costs no disk
     ::close(fd);
-    for (const std::string& path : {big, dir.Path(), dir.File("missing.csv")}) {
+    const std::pair<std::string, const char*> cases[] = {{big, "The file is larger than 1024 MB."},
+                                                         {dir.Path(), "The file cannot be read"},
+                                                         {dir.File("missing.csv"), "The file cannot be read"}};
+    for (const auto& [path, expected] : cases) {
         ProjectData open = OpenProject();
         std::string error;
         EXPECT_FALSE(ReadPointsFile(path, open, error)) << path;
-        EXPECT_NE(error.find("The file cannot be read"), std::string::npos) << error;
+        EXPECT_NE(error.find(expected), std::string::npos) << error;
         EXPECT_EQ(open.points.size(), 1u);
     }
 }
