@@ -44,8 +44,14 @@ int NyrReadRegularFile(const std::string& path, std::size_t limit, std::string& 
     if (fd < 0)
         return 0;
     struct stat info {};
-    if (::fstat(fd, &info) == 0 && static_cast<unsigned long long>(info.st_size) <= limit)
-        content.reserve(static_cast<std::size_t>(info.st_size));
+    if (::fstat(fd, &info) == 0 && static_cast<unsigned long long>(info.st_size) > limit) {
+        // Refused before a byte is read: a file far beyond the limit would
+        // otherwise cost the limit in memory and time first.
+        ::close(fd);
+        SetError(error, path, "larger than " + std::to_string(limit) + " bytes");
+        return 0;
+    }
+    content.reserve(static_cast<std::size_t>(info.st_size));
     char buffer[65536];
     for (;;) {
         const ssize_t n = ::read(fd, buffer, sizeof buffer);

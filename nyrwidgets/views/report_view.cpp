@@ -1494,3 +1494,8 @@ void CNyrReportView::OnCheckRealItem(unsigned int, int, int) {}
 void CNyrReportView::OnDisableRealItem(unsigned int, int, int) {}
 
 void CNyrReportView::OnModifyRealItem(unsigned int) {}
+
+void CNyrReportView::OnDeleteSelectedItems()
+{
+    DeleteSelectedItems(1);
+}

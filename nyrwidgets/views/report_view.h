@@ -491,6 +491,10 @@ protected:
     virtual void OnDisableRealItem(unsigned int realItem, int screenItem, int disable);
     // "&Modify..." on an item; the default does nothing.
     virtual void OnModifyRealItem(unsigned int realItem);
+    // "&Delete" on an item and the Delete key (with MenuDelete) end here;
+    // the default deletes the selected items (DeleteSelectedItems, notifying).
+    // A host overrides it to ask once for the whole selection.
+    virtual void OnDeleteSelectedItems();
 
     // The state changes behind the public operations: work out notify from
     // the switch, change the item (its hook runs), redraw, then (when

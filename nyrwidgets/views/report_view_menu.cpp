@@ -506,7 +506,7 @@ void CNyrReportView::contextMenuEvent(QContextMenuEvent* e)
 void CNyrReportView::keyPressEvent(QKeyEvent* e)
 {
     if (e->key() == Qt::Key_Delete && e->modifiers() == Qt::NoModifier && (GetItemMenu() & MenuDelete)) {
-        DeleteSelectedItems(1);
+        OnDeleteSelectedItems();
         e->accept();
         return;
     }
@@ -564,7 +564,7 @@ bool CNyrReportView::OnCommand(unsigned int message)
         return true;
     }
     if (message == WM_NYR_REPORTVIEW_DELETE_SELECTED) {
-        DeleteSelectedItems(1);
+        OnDeleteSelectedItems();
         return true;
     }
     if (message == WM_NYR_REPORTVIEW_SELECT_ALL) {

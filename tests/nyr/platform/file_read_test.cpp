@@ -38,6 +38,21 @@ TEST(FileRead, RefusesOneByteOverTheLimitAndLeavesNothingBehind)
     EXPECT_EQ(1, NyrReadRegularFile(dir.File("big"), 70000, content, &error));
 }
 
+// A file far beyond a large limit used to be read up to the limit before it
+// was refused: here 64 GiB of memory and minutes. It must go unread.
+TEST(FileRead, AFileBeyondALargeLimitIsRefusedUnread)
+{
+    TempDir dir;
+    const std::string path = dir.File("sparse");
+    WriteFile(path, "");
+    if (::truncate(path.c_str(), off_t{1} << 40) != 0)  // 1 TiB, sparse: no disk used
+        GTEST_SKIP() << "the file system cannot hold a sparse file of 1 TiB";
+    std::string content, error;
+    EXPECT_EQ(0, NyrReadRegularFile(path, std::size_t{64} << 30, content, &error));
+    EXPECT_TRUE(content.empty());
+    EXPECT_EQ(path + ": larger than " + std::to_string(std::size_t{64} << 30) + " bytes", error);
+}
+
 TEST(FileRead, SpecialFilesAreRefusedWithoutBlockingOrEndlessReads)
 {
     TempDir dir;

@@ -573,4 +573,40 @@ TEST_F(ShownView, ItemMenuCommandsActOnTheItems)
     EXPECT_EQ(view.GetItemCount(), 3);
 }
 
+// A host that asks once before the selection goes: both the menu command and
+// the Delete key must reach its hook, and a refusal must delete nothing.
+class AskingView : public CNyrReportView
+{
+public:
+    int asked = 0;
+    bool allow = false;
+
+protected:
+    void OnDeleteSelectedItems() override
+    {
+        ++asked;
+        if (allow)
+            CNyrReportView::OnDeleteSelectedItems();
+    }
+};
+
+TEST(ReportViewDelete, CommandAndKeyGoThroughTheHostsHookOncePerSelection)
+{
+    AskingView view;
+    Fill(view, 6, nullptr);
+    view.SetItemMenu(CNyrReportView::MenuDelete, CNyrReportView::MenuDelete);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    view.SelectRealItems({1, 2, 3}, 1);
+    NyrSendMessage(&view, WM_NYR_REPORTVIEW_DELETE_SELECTED);
+    view.setFocus();
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(view.asked, 2);
+    EXPECT_EQ(view.GetItemCount(), 6);
+    view.allow = true;
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(view.asked, 3);
+    EXPECT_EQ(view.GetItemCount(), 3);
+}
+
 }  // namespace

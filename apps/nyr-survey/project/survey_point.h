@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "apps/nyr-survey/project/geodesy.h"
+#include "nyr/time/time.h"
+#include "nyrwidgets/views/report_view_item.h"
+
+namespace survey {
+
+class CSurveyProject;
+
+// The seconds count of a point without an observation time: far before
+// year 1, so it formats as an empty text and has no GPS time.
+inline constexpr int64_t kNoTime = -100000000000;
+
+// The real columns of the point list, in the order they are added.
+enum eColumn : unsigned int {
+    ColPoint = 0,
+    ColCode,
+    ColEasting,     // metres, shown in the distance unit
+    ColNorthing,
+    ColHeight,
+    ColLatitude,    // radians, shown in the latitude/longitude unit
+    ColLongitude,
+    ColObserved,    // CNyrTime, shown in the time format
+    ColGpsWeek,     // derived from Observed
+    ColGpsSeconds,
+    ColDistance,    // geodesic from the base point, distance unit
+    ColAzimuth,     // at the base point, angle unit
+    ColCount,
+};
+
+// One survey point: a row of the point list. It holds its data in standard
+// units (metres, radians) and formats a cell only when the view draws it, so
+// a change of unit costs nothing per point. The distance and azimuth from
+// the project's base point are worked out on first use and kept until the
+// base changes.
+class CSurveyPoint : public CNyrReportViewItem
+{
+public:
+    struct Data
+    {
+        std::string name;
+        uint32_t code = 0;  // index into the project's code table
+        double easting = 0.0;
+        double northing = 0.0;
+        double height = 0.0;
+        double lat = 0.0;
+        double lon = 0.0;
+        CNyrTime observed{kNoTime};
+    };
+
+    // `project` must outlive the point.
+    CSurveyPoint(const CSurveyProject& project, Data data);
+    ~CSurveyPoint() override;
+
+    const Data& GetData() const { return m_data; }
+    const std::string& Name() const { return m_data.name; }
+    const std::string& Code() const;
+    // Distance (metres) and azimuth (radians) from the base point; NaN
+    // without a base.
+    Geodesic FromBase() const;
+
+    // The cell text as the list shows it in the current units and format.
+    void CellText(unsigned int realCol, std::string& text) const;
+
+    int OnGetItemText(unsigned int realCol, unsigned int screenCol, std::string& text) override;
+    int OnCompareItem(const CNyrReportViewItem* other, unsigned int realCol) override;
+    void OnGetItemColor(unsigned int realItem, unsigned int screenItem, unsigned int realCol, unsigned int screenCol,
+                        unsigned int& textColor, unsigned int& backColor) override;
+
+private:
+    const CSurveyProject* m_project;
+    Data m_data;
+    mutable uint32_t m_baseGeneration = 0;  // the base m_fromBase belongs to; 0: none yet
+    mutable Geodesic m_fromBase{0.0, 0.0};
+};
+
+// Point names in natural order: runs of digits compare by their value, so
+// "TP 9" comes before "TP 10"; letters without regard to ASCII case.
+int CompareNames(const std::string& a, const std::string& b);
+
+}  // namespace survey

@@ -1,0 +1,137 @@
+#include "apps/nyr-survey/window/main_window.h"
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QTimer>
+
+#include "apps/nyr-survey/app/language.h"
+#include "apps/nyr-survey/app/settings.h"
+#include "apps/nyr-survey/app/texts.h"
+#include "apps/nyr-survey/tools/about_dialog.h"
+#include "apps/nyr-survey/window/point_view.h"
+#include "apps/nyr-survey/window/unit_bar.h"
+#include "nyr/frame/ui_hooks.h"
+#include "nyrwidgets/frame/help_app.h"
+#include "nyrwidgets/frame/message_event.h"
+
+namespace survey {
+
+namespace {
+
+constexpr long kStatusMask = CNyrReportView::NotifyItemDisplay | CNyrReportView::NotifyItemCleanup |
+                             CNyrReportView::NotifyItemAppend | CNyrReportView::NotifyItemHide |
+                             CNyrReportView::NotifyItemSelect | CNyrReportView::NotifyItemCheck;
+
+}  // namespace
+
+CMainWindow::CMainWindow(QWidget* parent)
+    : QMainWindow(parent), m_view(new CPointView(this)), m_unitBar(new CUnitBar(this, this)),
+      m_counts(new QLabel(this)), m_base(new QLabel(this)), m_statusTimer(new QTimer(this)),
+      m_titleId(TxtSampleProject)
+{
+    setObjectName("MainWindow");
+    setCentralWidget(m_view);
+    addToolBar(m_unitBar);
+    statusBar()->addPermanentWidget(m_base);
+    statusBar()->addPermanentWidget(m_counts);
+    setAcceptDrops(true);
+    CreateActions();
+    CreateMenus();
+    // A selection of a million rows sends a million notifications: the
+    // counts are worked out once, after the last of them.
+    m_statusTimer->setSingleShot(true);
+    m_statusTimer->setInterval(0);
+    connect(m_statusTimer, &QTimer::timeout, this, &CMainWindow::UpdateStatus);
+    m_view->AddItemNotification(this, kStatusMask);
+    connect(m_view, &CPointView::ProjectChanged, this, &CMainWindow::ScheduleStatus);
+    NyrGetHelpApp().MainWindow(this);
+    Retranslate();
+    resize(1280, 720);
+}
+
+CMainWindow::~CMainWindow()
+{
+    CNyrReportView::SetGlobalItemMenu(nullptr);
+}
+
+bool CMainWindow::ChangeLanguage(int language)
+{
+    std::string error;
+    if (!SetLanguage(static_cast<eLanguage>(language), &error)) {
+        ShowError(QText(TxtLanguageFailed).arg(QString::fromStdString(error)).toStdString());
+        Retranslate();  // puts the check mark back on the language in force
+        return false;
+    }
+    WriteSetting("Language", language);
+    RegisterMessages();
+    Retranslate();
+    return true;
+}
+
+QString CMainWindow::StatusText() const
+{
+    return m_base->text() + " | " + m_counts->text();
+}
+
+void CMainWindow::ScheduleStatus()
+{
+    m_statusTimer->start();
+}
+
+void CMainWindow::UpdateStatus()
+{
+    m_counts->setText(QText(TxtStatusPoints).arg(m_view->GetItemCount()) + "   " +
+                      QText(TxtStatusSelected).arg(m_view->GetSelectedCount()) + "   " +
+                      QText(TxtStatusChecked).arg(m_view->GetCheckedCount()));
+    const CSurveyProject& project = m_view->Project();
+    m_base->setText(project.HasBase() ? QText(TxtStatusBase).arg(QString::fromStdString(project.BaseName()))
+                                      : QText(TxtStatusNoBase));
+}
+
+void CMainWindow::UpdateTitle()
+{
+    const QString name = m_path.isEmpty() ? QText(m_titleId) : QFileInfo(m_path).fileName();
+    setWindowTitle(name + " - " + QText(TxtAppName));
+}
+
+bool CMainWindow::event(QEvent* e)
+{
+    if (CNyrMessageEvent::From(e)) {
+        ScheduleStatus();  // one of the list's item notifications
+        return true;
+    }
+    return QMainWindow::event(e);
+}
+
+void CMainWindow::dragEnterEvent(QDragEnterEvent* e)
+{
+    if (e->mimeData()->hasUrls() && !e->mimeData()->urls().isEmpty() && e->mimeData()->urls().front().isLocalFile())
+        e->acceptProposedAction();
+}
+
+void CMainWindow::dropEvent(QDropEvent* e)
+{
+    const QList<QUrl> urls = e->mimeData()->urls();
+    if (urls.isEmpty() || !urls.front().isLocalFile())
+        return;
+    e->acceptProposedAction();
+    // Opened after the drop has finished, so that an error message does not
+    // run inside the drag-and-drop loop of the source.
+    const QString path = urls.front().toLocalFile();
+    QTimer::singleShot(0, this, [this, path] { OpenFile(path); });
+}
+
+void CMainWindow::ShowAbout()
+{
+    CAboutDialog(this).exec();
+}
+
+void CMainWindow::ShowError(const std::string& text)
+{
+    NyrMessageBox(text, Text(TxtAppName), 0x10 /* MB_ICONERROR */);
+}
+
+}  // namespace survey

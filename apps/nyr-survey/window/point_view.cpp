@@ -1,0 +1,166 @@
+#include "apps/nyr-survey/window/point_view.h"
+
+#include "apps/nyr-survey/io/points_columns.h"
+#include "apps/nyr-survey/project/survey_point.h"
+#include "nyr/frame/notifications.h"
+#include "nyrwidgets/frame/message_event.h"
+#include "nyrwidgets/frame/wait_cursor.h"
+#include "nyrwidgets/msgbox/message_box.h"
+#include "nyrwidgets/views/list_ctrl.h"
+#include "nyrwidgets/views/report_view_col.h"
+
+namespace survey {
+
+namespace {
+
+struct ColumnLook
+{
+    int width;
+    int alignment;
+    int hidden;
+};
+
+// Pixels, alignment and hidden default of each eColumn.
+constexpr ColumnLook kLook[ColCount] = {
+    {90, LVCFMT_LEFT, 0},   {60, LVCFMT_LEFT, 0},   {120, LVCFMT_RIGHT, 0}, {120, LVCFMT_RIGHT, 0},
+    {90, LVCFMT_RIGHT, 0},  {150, LVCFMT_RIGHT, 0}, {150, LVCFMT_RIGHT, 0}, {150, LVCFMT_LEFT, 0},
+    {70, LVCFMT_RIGHT, 0},  {100, LVCFMT_RIGHT, 0}, {110, LVCFMT_RIGHT, 0}, {130, LVCFMT_RIGHT, 0},
+};
+
+}  // namespace
+
+CPointView::CPointView(QWidget* parent) : CNyrReportView(parent), m_project(std::make_unique<CSurveyProject>())
+{
+    SetInifileSection(kSection);
+    SerializeColWidthAndHidden(1);
+    SerializeColOrder(1);
+    SetSerializeSortState(1);
+    SetAutoRestore(1);
+    SetCheckBoxes(true);
+    const unsigned int rows = MenuSelect | MenuCheck | MenuDelete | MenuFind | MenuFindNP | MenuSaveAs | MenuGlobal;
+    SetItemMenu(rows, rows | MenuModify);
+    SetItemBkMenu(rows, rows);
+    std::vector<std::string> labels;
+    std::vector<int> widths, alignments, hidden;
+    for (unsigned int c = 0; c < ColCount; ++c) {
+        labels.push_back(ColumnLabel(c));
+        widths.push_back(kLook[c].width);
+        alignments.push_back(kLook[c].alignment);
+        hidden.push_back(kLook[c].hidden);
+    }
+    AddRealCols(labels, widths, alignments, hidden);
+}
+
+CPointView::~CPointView()
+{
+    // The points refer to the project: they go first.
+    CleanupRealItems(0);
+}
+
+void CPointView::SetProject(ProjectData loaded)
+{
+    CNyrWaitCursor wait;
+    CleanupRealItems(1);
+    m_project = std::move(loaded.project);
+    for (std::unique_ptr<CSurveyPoint>& point : loaded.points)
+        AddRealItem(point.release());
+    DisplayRealItems(0);
+    emit ProjectChanged();
+}
+
+CSurveyProject& CPointView::Project() const
+{
+    return *m_project;
+}
+
+std::vector<const CSurveyPoint*> CPointView::Points() const
+{
+    std::vector<const CSurveyPoint*> points;
+    points.reserve(GetRealItemCount());
+    for (unsigned int r = 0; r < GetRealItemCount(); ++r)
+        if (const CNyrReportViewItem* item = GetRealItem(r); item && !item->IsDeleted())
+            points.push_back(static_cast<const CSurveyPoint*>(item));
+    return points;
+}
+
+std::vector<const CSurveyPoint*> CPointView::ChosenPoints() const
+{
+    std::vector<unsigned int> reals;
+    GetCheckedRealItems(reals);
+    if (reals.empty())
+        GetSelectedRealItems(reals);
+    std::vector<const CSurveyPoint*> points;
+    for (unsigned int r : reals)
+        points.push_back(static_cast<const CSurveyPoint*>(GetRealItem(r)));
+    return points;
+}
+
+bool CPointView::SetBaseFromFocus()
+{
+    int real = GetFocusedRealItem();
+    if (real < 0 || !GetRealItemSelected(static_cast<unsigned int>(real))) {
+        std::vector<unsigned int> selected;
+        GetSelectedRealItems(selected);
+        real = selected.empty() ? real : static_cast<int>(selected.front());
+    }
+    const auto* point = real >= 0 ? static_cast<const CSurveyPoint*>(GetRealItem(static_cast<unsigned int>(real)))
+                                  : nullptr;
+    if (!point || !point->IsVisible())
+        return false;
+    m_project->SetBase(point->Name(), point->GetData().lat, point->GetData().lon);
+    viewport()->update();
+    emit ProjectChanged();
+    return true;
+}
+
+bool CPointView::ChooseBase(const std::string& name)
+{
+    const CSurveyPoint* first = nullptr;
+    for (const CSurveyPoint* point : Points()) {
+        if (!point->IsVisible())
+            continue;
+        if (point->Name() == name) {
+            first = point;
+            break;
+        }
+        first = first ? first : point;
+    }
+    if (!first)
+        return false;
+    m_project->SetBase(first->Name(), first->GetData().lat, first->GetData().lon);
+    viewport()->update();
+    emit ProjectChanged();
+    return true;
+}
+
+void CPointView::UpdateColumnLabels()
+{
+    for (unsigned int c = 0; c < ColCount && c < GetRealColumns(); ++c)
+        GetRealCol(c)->SetLabel(ColumnLabel(c));
+}
+
+bool CPointView::event(QEvent* e)
+{
+    if (const CNyrMessageEvent* m = CNyrMessageEvent::From(e)) {
+        const unsigned int message = m->Message();
+        if (message == WM_NYR_UNIT_CHANGED_DISTANCE || message == WM_NYR_UNIT_CHANGED_ANGLE ||
+            message == WM_NYR_FORMAT_CHANGED_TIME) {
+            UpdateColumnLabels();
+            viewport()->update();
+            return true;
+        }
+    }
+    return CNyrReportView::event(e);
+}
+
+void CPointView::OnDeleteSelectedItems()
+{
+    if (!GetItemsSelected())
+        return;
+    if (CNyrMessageBox::ShowMessage(this, kDeleteKey) != NYR_IDYES)
+        return;
+    DeleteSelectedItems(1);
+    emit ProjectChanged();
+}
+
+}  // namespace survey
