@@ -1,11 +1,9 @@
 #include "nyr/util/profile_entries.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <mutex>
 
+#include "nyr/platform/user_folders_p.h"
 #include "nyr/util/profile_store_p.h"
 #include "nyr/util/profile_text_p.h"
 
@@ -176,16 +174,7 @@ std::string& ProfilePath()
 // password database's home folder when HOME is unset).
 std::string DefaultFolder()
 {
-    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && xdg[0] == '/')
-        return xdg;
-    std::string home;
-    if (const char* env = std::getenv("HOME"); env && env[0])
-        home = env;
-    else if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir)
-        home = pw->pw_dir;
-    while (home.size() > 1 && home.back() == '/')
-        home.pop_back();
-    return (home == "/" ? "" : home) + "/.config";
+    return nyr::platform::XdgFolder("XDG_CONFIG_HOME", "/.config");
 }
 
 }  // namespace
