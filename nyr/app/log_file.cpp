@@ -44,20 +44,6 @@ std::string Stamp(const std::string& pattern)
     return NyrStrftime(withMillis, fields);
 }
 
-std::string SafeName(const std::string& name)
-{
-    std::string safe = name.empty() ? "nyr" : name;
-    for (char& c : safe) {
-        const bool keep = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
-                          c == '_' || c == '-';
-        if (!keep)
-            c = '_';
-    }
-    if (safe == "." || safe == "..")
-        safe = "nyr";
-    return safe;
-}
-
 }  // namespace
 
 struct CNyrLogFile::Private
@@ -120,7 +106,7 @@ CNyrLogFile& CNyrLogFile::Default()
 
 std::string CNyrLogFile::DefaultPath(const std::string& appName)
 {
-    const std::string name = SafeName(appName);
+    const std::string name = nyr::platform::SafeFileName(appName);
     return nyr::platform::XdgFolder("XDG_STATE_HOME", "/.local/state") + "/" + name + "/" + name + ".log";
 }
 

@@ -27,6 +27,18 @@ std::string XdgFolder(const char* variable, const char* belowHome)
     return HomeFolder() + belowHome;
 }
 
+std::string SafeFileName(const std::string& name, std::size_t maxLength)
+{
+    std::string safe = name.substr(0, maxLength);
+    for (char& c : safe) {
+        const bool keep = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+                          c == '_' || c == '-';
+        if (!keep)
+            c = '_';
+    }
+    return safe.empty() || safe == "." || safe == ".." ? "nyr" : safe;
+}
+
 void CreateParentFolders(const std::string& path)
 {
     for (size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
