@@ -47,6 +47,8 @@ const char* CNyrProfileEntries::SelectFilenameEntryWindowWidth() { return "Windo
 const char* CNyrProfileEntries::SelectFilenameEntryWindowHeight() { return "Window Height"; }
 const char* CNyrProfileEntries::SelectFilenameEntryLastFolder() { return "Last Folder"; }
 const char* CNyrProfileEntries::SelectFilenameEntryFileType() { return "FileType"; }
+const char* CNyrProfileEntries::DialogEntryWindowLeft() { return "Window Left"; }
+const char* CNyrProfileEntries::DialogEntryWindowTop() { return "Window Top"; }
 const char* CNyrProfileEntries::FolderContentViewColWidth() { return "FCV_ColWidth"; }
 const char* CNyrProfileEntries::FolderContentViewSortState() { return "FCV_SortState"; }
 const char* CNyrProfileEntries::FolderContentViewViewStyle() { return "FCV_ViewStyle"; }
