@@ -178,8 +178,8 @@ TEST(Worker, DialogShowsAmountsAndTimesInTheLibrarysWords)
         std::binary_semaphore gate(0);
         worker.Start([&](CNyrProgress& progress) -> QVariant {
             progress.SetTotal(c.total, c.unit);
-            progress.SetText("Reading points.csv");
             progress.SetPosition(c.position);
+            progress.SetText("Reading points.csv");  // last: the test waits for it
             gate.acquire();
             return {};
         });
