@@ -5,11 +5,13 @@
 #include <sys/stat.h>
 
 #include <QDeadlineTimer>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QSet>
+#include <QWidget>
 #include <memory>
 #include <vector>
 
@@ -110,6 +112,36 @@ TEST_F(SingleInstanceFixture, ALaterStartHandsItsArgumentsAndDirectoryToTheFirst
     Instance other(runtime, {}, {}, "other-login");
     EXPECT_EQ(other.Line(), "first");
     Quit(first);
+}
+
+// This test process is the first instance, with a minimised window; a real
+// later start reaches it.
+TEST_F(SingleInstanceFixture, TheFirstInstanceRestoresItsWindowAndGetsTheArguments)
+{
+    setenv("XDG_RUNTIME_DIR", runtime.Path().c_str(), 1);
+    setenv("XDG_SESSION_ID", "test", 1);
+    CNyrSingleInstance guard("survey");
+    EXPECT_EQ(guard.Start({}), CNyrSingleInstance::eFirst);
+    EXPECT_EQ(guard.Start({}), CNyrSingleInstance::eFirst);  // once only
+    unsetenv("XDG_RUNTIME_DIR");
+    QWidget window;
+    window.showMinimized();
+    guard.SetWindow(&window);
+    QStringList received;
+    bool minimizedWhenTold = true;
+    QObject::connect(&guard, &CNyrSingleInstance::argumentsReceived, [&](const QStringList& arguments, const QString&) {
+        received = arguments;
+        minimizedWhenTold = window.isMinimized();
+    });
+
+    Instance later(runtime, {"plan.nyr"});
+    const QDeadlineTimer deadline(kWaitMs);
+    while (later.Process().state() != QProcess::NotRunning && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    EXPECT_EQ(later.Line(), "handed over");
+    EXPECT_EQ(received, QStringList{"plan.nyr"});
+    EXPECT_FALSE(minimizedWhenTold);
+    EXPECT_TRUE(window.isVisible());
 }
 
 TEST_F(SingleInstanceFixture, AKilledFirstInstanceLeavesNothingInTheWay)
