@@ -74,7 +74,8 @@ struct CNyrLogFile::Private
             if (sink.TakeOpened())
                 pattern = StoredTimePattern();
             if (unreported > 0) {
-                const std::string note = std::to_string(unreported) + " log lines lost: " + NyrSystemErrorText(lastError);
+                const std::string note =
+                    std::to_string(unreported) + " log lines lost: " + NyrSystemErrorText(lastError);
                 if (sink.Append(Line(eWarning, note)) == 0)
                     unreported = 0;
             }

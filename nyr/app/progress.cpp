@@ -59,10 +59,12 @@ CNyrProgress::Snapshot CNyrProgress::Read() const
     s.total = m_total;
     s.unit = static_cast<eUnit>(m_unit.load());
     s.cancelled = m_cancelled;
-    s.elapsedSeconds = std::chrono::duration<double>(Clock::now().time_since_epoch() - Clock::duration(m_start)).count();
+    const Clock::duration elapsed = Clock::now().time_since_epoch() - Clock::duration(m_start);
+    s.elapsedSeconds = std::chrono::duration<double>(elapsed).count();
     // The rate so far, applied to what is left: known once work was done.
     if (s.total > 0 && s.position > 0 && s.position <= s.total)
-        s.remainingSeconds = s.elapsedSeconds * static_cast<double>(s.total - s.position) / static_cast<double>(s.position);
+        s.remainingSeconds =
+            s.elapsedSeconds * static_cast<double>(s.total - s.position) / static_cast<double>(s.position);
     std::lock_guard lock(m_textMutex);
     s.text = m_text;
     return s;

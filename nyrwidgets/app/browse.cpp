@@ -94,9 +94,10 @@ void Remember(const QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& 
     const QString folder = kind == CNyrBrowse::eFolder ? chosen : QFileInfo(chosen).absolutePath();
     CNyrProfileEntries::WriteNyrProfileString(section, CNyrProfileEntries::SelectFilenameEntryLastFolder(),
                                               folder.toStdString());
-    if (kind != CNyrBrowse::eFolder)
-        CNyrProfileEntries::WriteNyrProfileInt(section, CNyrProfileEntries::SelectFilenameEntryFileType(),
-                                               static_cast<int>(dialog.nameFilters().indexOf(dialog.selectedNameFilter())));
+    if (kind == CNyrBrowse::eFolder)
+        return;
+    const auto type = static_cast<int>(dialog.nameFilters().indexOf(dialog.selectedNameFilter()));
+    CNyrProfileEntries::WriteNyrProfileInt(section, CNyrProfileEntries::SelectFilenameEntryFileType(), type);
 }
 
 }  // namespace

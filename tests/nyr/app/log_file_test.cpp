@@ -250,7 +250,8 @@ TEST_F(LogFixture, FullDiskLosesLinesButNeverHalfALine)
     // Every line whole: a cut line would run into the next one. Each note
     // counts the lines lost since the line before it (a short note may fit
     // where a long line did not).
-    const std::regex message(R"(before \d+\.{40}|while full \d+\.{200}|(\d+) log lines lost: No space left on device|after)");
+    const std::regex message(
+        R"(before \d+\.{40}|while full \d+\.{200}|(\d+) log lines lost: No space left on device|after)");
     int fullLines = 0, reported = 0;
     for (const std::string& line : lines) {
         std::smatch m;

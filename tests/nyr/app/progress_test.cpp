@@ -5,11 +5,7 @@
 #include <cerrno>
 #include <algorithm>
 #include <cmath>
-#include <future>
 #include <limits>
-#include <map>
-#include <semaphore>
-#include <thread>
 
 #include "nyr/app/about_report.h"
 #include "nyr/frame/version_check.h"
@@ -65,31 +61,6 @@ TEST(Progress, RemainingTimeIsKnownOnlyOnceWorkWasDone)
     EXPECT_EQ(s.position, 0u);
     EXPECT_EQ(s.total, 0u);
     EXPECT_EQ(s.text, "");
-}
-
-// The job runs one step a release of the gate, so the test knows exactly
-// where it stands when it cancels.
-TEST(Progress, CancelStopsTheJobAtItsNextStep)
-{
-    CNyrProgress progress;
-    std::counting_semaphore<> gate(0);
-    int work = 0;
-    auto job = std::async(std::launch::async, [&] {
-        for (;;) {
-            gate.acquire();
-            ++work;
-            if (!progress.Step())
-                return;
-        }
-    });
-    gate.release(5);
-    while (progress.Read().position < 5)
-        std::this_thread::yield();
-    progress.Cancel();
-    gate.release(100);  // steps enough for a job that does not stop
-    ASSERT_EQ(job.wait_for(std::chrono::seconds(30)), std::future_status::ready);
-    EXPECT_EQ(work, 6);
-    EXPECT_EQ(progress.Read().position, 6u);
 }
 
 class OldLibraries : public CNyrVersionSource

@@ -70,7 +70,7 @@ TEST_F(DialogFixture, ButtonsAskedForCarryTheLibrarysTextsInAnyLanguage)
     for (const auto& c : cases) {
         CNyrDialog dialog(nullptr, {}, c.buttons);
         QStringList texts;
-        for (const CNyrDialog::eButton b : {CNyrDialog::eOK, CNyrDialog::eCancel, CNyrDialog::eApply, CNyrDialog::eHelp})
+        for (const auto b : {CNyrDialog::eOK, CNyrDialog::eCancel, CNyrDialog::eApply, CNyrDialog::eHelp})
             if (QPushButton* button = dialog.Button(b))
                 texts << button->text();
         EXPECT_EQ(texts, c.texts) << c.buttons;
@@ -87,18 +87,6 @@ TEST_F(DialogFixture, ButtonsAskedForCarryTheLibrarysTextsInAnyLanguage)
     EXPECT_EQ(dialog.Button(CNyrDialog::eCancel)->text(), "Abbrechen");
     EXPECT_EQ(dialog.Button(CNyrDialog::eApply)->text(), QString::fromUtf8("Ü&bernehmen"));
     EXPECT_EQ(dialog.Button(CNyrDialog::eHelp)->text(), "&Hilfe");
-}
-
-TEST_F(DialogFixture, LayoutMetricsAreDialogUnitsOfItsFont)
-{
-    CNyrDialog dialog;
-    const QFontMetrics metrics = dialog.fontMetrics();
-    EXPECT_EQ(dialog.DialogUnitsX(4), metrics.averageCharWidth());
-    EXPECT_EQ(dialog.DialogUnitsY(8), metrics.height());
-    EXPECT_EQ(dialog.layout()->contentsMargins().left(), dialog.DialogUnitsX(7));
-    EXPECT_EQ(dialog.layout()->contentsMargins().top(), dialog.DialogUnitsY(7));
-    EXPECT_EQ(dialog.ContentLayout()->spacing(), dialog.DialogUnitsY(4));
-    EXPECT_EQ(dialog.ContentLayout()->contentsMargins(), QMargins());
 }
 
 TEST_F(DialogFixture, OkAndApplyCheckTheValuesCancelDoesNot)
