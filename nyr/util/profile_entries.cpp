@@ -1,11 +1,9 @@
 #include "nyr/util/profile_entries.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <mutex>
 
+#include "nyr/platform/user_folders_p.h"
 #include "nyr/util/profile_store_p.h"
 #include "nyr/util/profile_text_p.h"
 
@@ -49,6 +47,8 @@ const char* CNyrProfileEntries::SelectFilenameEntryWindowWidth() { return "Windo
 const char* CNyrProfileEntries::SelectFilenameEntryWindowHeight() { return "Window Height"; }
 const char* CNyrProfileEntries::SelectFilenameEntryLastFolder() { return "Last Folder"; }
 const char* CNyrProfileEntries::SelectFilenameEntryFileType() { return "FileType"; }
+const char* CNyrProfileEntries::DialogEntryWindowLeft() { return "Window Left"; }
+const char* CNyrProfileEntries::DialogEntryWindowTop() { return "Window Top"; }
 const char* CNyrProfileEntries::FolderContentViewColWidth() { return "FCV_ColWidth"; }
 const char* CNyrProfileEntries::FolderContentViewSortState() { return "FCV_SortState"; }
 const char* CNyrProfileEntries::FolderContentViewViewStyle() { return "FCV_ViewStyle"; }
@@ -176,16 +176,7 @@ std::string& ProfilePath()
 // password database's home folder when HOME is unset).
 std::string DefaultFolder()
 {
-    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && xdg[0] == '/')
-        return xdg;
-    std::string home;
-    if (const char* env = std::getenv("HOME"); env && env[0])
-        home = env;
-    else if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir)
-        home = pw->pw_dir;
-    while (home.size() > 1 && home.back() == '/')
-        home.pop_back();
-    return (home == "/" ? "" : home) + "/.config";
+    return nyr::platform::XdgFolder("XDG_CONFIG_HOME", "/.config");
 }
 
 }  // namespace

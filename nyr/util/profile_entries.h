@@ -105,6 +105,8 @@ public:
     static const char* SelectFilenameEntryWindowHeight();        // "Window Height"
     static const char* SelectFilenameEntryLastFolder();          // "Last Folder"
     static const char* SelectFilenameEntryFileType();            // "FileType"
+    static const char* DialogEntryWindowLeft();                  // "Window Left"
+    static const char* DialogEntryWindowTop();                   // "Window Top"
     static const char* FolderContentViewColWidth();              // "FCV_ColWidth"
     static const char* FolderContentViewSortState();             // "FCV_SortState"
     static const char* FolderContentViewViewStyle();             // "FCV_ViewStyle"

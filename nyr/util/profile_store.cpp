@@ -13,6 +13,7 @@
 #include <optional>
 #include <unordered_map>
 
+#include "nyr/platform/user_folders_p.h"
 #include "nyr/util/profile_text_p.h"
 
 namespace nyr::detail {
@@ -171,13 +172,6 @@ bool WriteAll(int fd, std::string_view data)
     return true;
 }
 
-// Creates the missing folders above `path` (not the last component).
-void CreateFolders(const std::string& path)
-{
-    for (size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
-        mkdir(path.substr(0, slash).c_str(), 0700);
-}
-
 // A file descriptor that closes itself.
 class Fd
 {
@@ -274,7 +268,7 @@ bool WriteProfileValue(const std::string& path, std::string_view section, std::s
             }
         }
         if (createFolder)
-            CreateFolders(target);
+            nyr::platform::CreateParentFolders(target);
 
         Fd fd;
         struct stat st{};

@@ -1,0 +1,69 @@
+#include "nyrwidgets/app/about_dialog.h"
+
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "nyr/app/about_report.h"
+#include "nyr/frame/resource_module.h"
+#include "nyr/platform/string_format.h"
+
+struct CNyrAboutDialog::Private
+{
+    std::string text;
+    QPushButton* copy = nullptr;
+};
+
+CNyrAboutDialog::CNyrAboutDialog(QWidget* parent, const QString& appName, const QString& appVersion)
+    : CNyrDialog(parent, {}, eOK), d(std::make_unique<Private>())
+{
+    const std::string name = (appName.isEmpty() ? QCoreApplication::applicationName() : appName).toStdString();
+    const std::string version =
+        (appVersion.isEmpty() ? QCoreApplication::applicationVersion() : appVersion).toStdString();
+    setWindowTitle(QString::fromStdString(NyrFormat(NyrLoadString(26423).c_str(), name.c_str())));
+
+    const std::string qt = NyrFormat(NyrLoadString(26431).c_str(), qVersion(), QT_VERSION_STR);
+    const std::vector<CNyrAboutLine> lines = NyrAboutLines(name, version, {{NyrLoadString(26426), qt}});
+    d->text = NyrAboutText(lines);
+
+    auto* form = new QFormLayout;
+    for (const auto& [label, value] : lines) {
+        auto* field = new QLabel(QString::fromStdString(value));
+        field->setTextFormat(Qt::PlainText);
+        field->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        field->setWordWrap(true);
+        form->addRow(QString::fromStdString(label + ":"), field);
+    }
+    ContentLayout()->addLayout(form);
+
+    d->copy = ButtonBox()->addButton(QString::fromStdString(NyrLoadString(26422)), QDialogButtonBox::ActionRole);
+    connect(d->copy, &QPushButton::clicked, this, &CNyrAboutDialog::CopyToClipboard);
+}
+
+CNyrAboutDialog::~CNyrAboutDialog() = default;
+
+std::string CNyrAboutDialog::Text() const
+{
+    return d->text;
+}
+
+QPushButton* CNyrAboutDialog::CopyButton() const
+{
+    return d->copy;
+}
+
+void CNyrAboutDialog::CopyToClipboard() const
+{
+    QGuiApplication::clipboard()->setText(QString::fromStdString(d->text));
+}
+
+void CNyrAboutDialog::ShowAbout(QWidget* parent)
+{
+    CNyrAboutDialog dialog(parent);
+    dialog.Exec();
+}

@@ -1,0 +1,113 @@
+#include "nyrwidgets/app/progress_dialog.h"
+
+#include <QPushButton>
+
+#include "nyr/frame/resource_module.h"
+#include "nyr/platform/string_format.h"
+#include "nyrwidgets/app/dialog.h"
+
+namespace {
+
+constexpr int kBarSteps = 1000;  // the bar's range: totals may pass int
+
+std::string Amount(std::uint64_t value, CNyrProgress::eUnit unit)
+{
+    return unit == CNyrProgress::eBytes ? NyrFormatSize(value) : std::to_string(value);
+}
+
+std::string LabelText(const CNyrProgress::Snapshot& s)
+{
+    std::string text;
+    if (s.cancelled)
+        text += NyrLoadString(26437) + "\n";
+    if (!s.text.empty())
+        text += s.text + "\n";
+    if (s.total > 0)
+        text += NyrFormat(NyrLoadString(26435).c_str(), Amount(s.position, s.unit).c_str(),
+                          Amount(s.total, s.unit).c_str());
+    else
+        text += Amount(s.position, s.unit);
+    text += "\n" + NyrFormat(NyrLoadString(26432).c_str(), NyrFormatDuration(s.elapsedSeconds).c_str());
+    const std::string remaining = s.remainingSeconds < 0 ? NyrLoadString(26434) : NyrFormatDuration(s.remainingSeconds);
+    text += "\n" + NyrFormat(NyrLoadString(26433).c_str(), remaining.c_str());
+    return text;
+}
+
+}  // namespace
+
+struct CNyrProgressDialog::Private
+{
+    CNyrWorker* worker;
+};
+
+CNyrProgressDialog::CNyrProgressDialog(CNyrWorker& worker, QWidget* parent)
+    : QProgressDialog(parent), d(std::make_unique<Private>())
+{
+    d->worker = &worker;
+    setWindowTitle(QString::fromStdString(NyrLoadString(26436)));
+    setCancelButtonText(QString::fromStdString(NyrLoadString(26100)));
+    setAutoClose(false);
+    setAutoReset(false);
+    setMinimumDuration(1000);
+    // Qt's dialog hides itself on cancel; this one stays until the job stops.
+    // Qt makes that connection by name, so it is undone by name.
+    disconnect(this, SIGNAL(canceled()), this, SLOT(cancel()));
+    connect(this, &QProgressDialog::canceled, this, &CNyrProgressDialog::Cancel);
+    connect(&worker, &CNyrWorker::progressChanged, this, &CNyrProgressDialog::Update);
+    connect(&worker, &CNyrWorker::finished, this, [this](const QVariant&, int status) {
+        Update();
+        done(status == CNyrWorker::eDone ? Accepted : Rejected);
+    });
+    Update();
+}
+
+CNyrProgressDialog::~CNyrProgressDialog() = default;
+
+void CNyrProgressDialog::Update()
+{
+    const CNyrProgress::Snapshot s = d->worker->Progress().Read();
+    setLabelText(QString::fromStdString(LabelText(s)));
+    if (s.total == 0) {
+        setRange(0, 0);  // busy
+        return;
+    }
+    setRange(0, kBarSteps);
+    const std::uint64_t done = std::min(s.position, s.total);
+    setValue(static_cast<int>(static_cast<double>(done) / static_cast<double>(s.total) * kBarSteps));
+}
+
+void CNyrProgressDialog::reject()
+{
+    Cancel();
+}
+
+void CNyrProgressDialog::Cancel()
+{
+    if (!d->worker->IsRunning())
+        return;
+    d->worker->Cancel();
+    if (QPushButton* button = findChild<QPushButton*>())
+        button->setEnabled(false);
+    Update();
+}
+
+int CNyrProgressDialog::Run(QWidget* parent, const CNyrWorker::Job& job, QVariant* result, const QString& title)
+{
+    CNyrWorker worker;
+    CNyrProgressDialog dialog(worker, parent);
+    if (!title.isEmpty())
+        dialog.setWindowTitle(title);
+    int status = CNyrWorker::eFailed;
+    QVariant value;
+    connect(&worker, &CNyrWorker::finished, &dialog, [&](const QVariant& r, int s) {
+        value = r;
+        status = s;
+    });
+    if (!worker.Start(job))
+        return CNyrWorker::eFailed;
+    CNyrDialog::ExecDialog(dialog);
+    worker.Wait(CNyrWorker::kStopWaitMs);
+    if (result)
+        *result = value;
+    return status;
+}
