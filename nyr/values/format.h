@@ -21,9 +21,9 @@ enum eNyrGeoKind
 // well when seconds-only is on.
 //   - precision 0 or less gives 6 decimals (intended: 0 cannot be asked for);
 //   - "% .*f": a blank in front of a non-negative number, '-' in front of a
-//     negative one, so columns line up; a number that rounds to zero has a
-//     blank (-1e-9 gives " 0.000000", which reads back; "-0.000000" would be
-//     refused as a negative zero);
+//     negative one, so columns line up; a negative number that rounds to
+//     zero keeps its '-', as printf shows it (-0.004 at precision 2 is
+//     "-0.00", which reads back as zero);
 //   - ".0" appended when the text has no point;
 //   - TrimTrailingZeros removes zeros from the end down to one decimal:
 //     12.500000 -> 12.5, 3.000000 -> 3.0.
