@@ -306,6 +306,12 @@ double CNyrTimeHelper::GetMjd(const COleDateTime& time)
     return static_cast<double>(kMjdOfOleZero) + time.GetLinearDays();
 }
 
+double CNyrTimeHelper::GetMjdUTC(const CNyrTime& time)
+{
+    return static_cast<double>(kMjdOf1970) +
+           (static_cast<double>(time.GetTime().GetTime()) + time.GetFracSecond()) / 86400.0;
+}
+
 bool CNyrTimeHelper::Mjd2Ymd(double mjd, long& year, long& month, long& day, long& hour, long& minute, long& second,
                              double& fraction)
 {
