@@ -74,34 +74,18 @@ void AppendDigits(std::string& out, uint64_t value, int count)
     out.append(digits, static_cast<std::size_t>(count));
 }
 
-// Drops zeros from the end of a decimal text while more than one decimal
-// stays after the point at `point`.
-void TrimZeros(std::string& out, std::size_t point)
-{
-    std::size_t end = out.size();
-    while (end > point + 2 && out[end - 1] == '0')
-        --end;
-    out.resize(end);
-}
-
 // The seconds (cc) of a rounded angle: two integer places padded with `pad`,
 // the decimals it was rounded to, then zeros up to `shown` decimals;
 // trimmed like the decimal text when asked.
 void AppendSeconds(std::string& out, const RoundedAngle& angle, int shown, char pad, bool trim)
 {
-    const int decimals = angle.decimals - 4;
-    uint64_t scale = 1;
-    for (int i = 0; i < decimals; ++i)
-        scale *= 10;
-    AppendInt(out, angle.Seconds() / scale, 2, pad);
-    if (shown == 0)
-        return;
+    AppendInt(out, angle.WholeSeconds(), 2, pad);
     const std::size_t point = out.size();
     out += '.';
-    AppendDigits(out, angle.Seconds() % scale, decimals);
-    out.append(static_cast<std::size_t>(shown - decimals), '0');
+    AppendDigits(out, angle.SecondDecimals(), angle.decimals - 4);
+    out.append(static_cast<std::size_t>(shown - (angle.decimals - 4)), '0');
     if (trim)
-        TrimZeros(out, point);
+        DropTrailingZeros(out, point);
 }
 
 // Spells out the capitalised placeholders as the lower-case ones followed by
@@ -320,7 +304,7 @@ void CNyrFormat::DecimalText(double value, long unit, eNyrGeoKind kind, unsigned
         out += '.';
         AppendDigits(out, packed.fraction, precision);
         if (trim)
-            TrimZeros(out, point);
+            DropTrailingZeros(out, point);
     } else {
         double number = 0;
         ConvertUnits(shown, NyrIsAngleUnit(unit) ? NYR_UNIT_RADIANS : NYR_UNIT_METRES, number, unit, precision, flags);

@@ -179,6 +179,16 @@ uint64_t RoundedAngle::Seconds() const
     return fraction % kPow10[decimals - 2];
 }
 
+uint64_t RoundedAngle::WholeSeconds() const
+{
+    return Seconds() / kPow10[decimals - 4];
+}
+
+uint64_t RoundedAngle::SecondDecimals() const
+{
+    return Seconds() % kPow10[decimals - 4];
+}
+
 bool RoundAngle(double radians, int base, int decimals, unsigned long flags, RoundedAngle& angle)
 {
     if (!std::isfinite(radians) || decimals < 0 || decimals > kMaxRoundDecimals)

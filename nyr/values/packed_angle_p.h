@@ -41,9 +41,12 @@ struct RoundedAngle
     int decimals = 0;
 
     bool IsZero() const { return whole == 0 && fraction == 0; }
-    // For decimals >= 4: minutes (c), and the seconds (cc) in units of 10^-(decimals - 4).
+    // For decimals >= 4: minutes (c); seconds (cc) in units of
+    // 10^-(decimals - 4); their whole part; their decimals as one integer.
     uint64_t Minutes() const;
     uint64_t Seconds() const;
+    uint64_t WholeSeconds() const;
+    uint64_t SecondDecimals() const;
 };
 
 // Rounds the angle in degrees (gon), radians / factor as a double as every

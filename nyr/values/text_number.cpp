@@ -41,12 +41,16 @@ void AppendDecimalText(std::string& out, double number, int precision, bool trim
         out += ".0";
         return;
     }
-    if (trimTrailingZeros) {
-        std::size_t end = out.size();
-        while (end > point + 2 && out[end - 1] == '0')
-            --end;
-        out.resize(end);
-    }
+    if (trimTrailingZeros)
+        DropTrailingZeros(out, point);
+}
+
+void DropTrailingZeros(std::string& out, std::size_t point)
+{
+    std::size_t end = out.size();
+    while (end > point + 2 && out[end - 1] == '0')
+        --end;
+    out.resize(end);
 }
 
 std::size_t ReadNumber(const char* text, double& value)

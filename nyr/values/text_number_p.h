@@ -21,6 +21,10 @@ void AppendFixed(std::string& out, double number, int decimals);
 // end (12.500000 -> 12.5, 3.000000 -> 3.0).
 void AppendDecimalText(std::string& out, double number, int precision, bool trimTrailingZeros);
 
+// Removes "0" characters from the end of a decimal text while more than one
+// decimal stays after the point at `point`: 12.500000 -> 12.5, 3.000 -> 3.0.
+void DropTrailingZeros(std::string& out, std::size_t point);
+
 // Reads a number as strtod reads it in the C locale: leading white space, an
 // optional sign, decimal digits with an optional point and exponent,
 // hexadecimal ("0x10" is 16, "0x1p-2" 0.25), "inf", "infinity", "nan";
