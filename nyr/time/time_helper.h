@@ -90,7 +90,8 @@ public:
     // Seconds, minutes and hours are elapsed time; days, weeks, months and
     // years step the local calendar and keep the time of day (a day that is
     // too short for the month takes its last day: Jan 31 + 1 month = Feb 28
-    // or 29). Each returns true when the result lies within the range (CTime
+    // or 29) and, where the new day runs that time twice (a clock turned
+    // back), the point's side of it: adding 0 leaves the instant as it is. Each returns true when the result lies within the range (CTime
     // and CNyrTime: the CTime range) and otherwise returns false and leaves
     // the point unchanged. Negative counts go back. A CNyrTime keeps its
     // fraction of a second.
@@ -127,7 +128,11 @@ public:
     // Rounds in place (see eRoundFlag) and returns the new MJD. A carry into
     // the next second, minute or hour that would leave the range of the
     // point's kind (CTime and CNyrTime: the CTime range; COleDateTime: its
-    // own) leaves the point unchanged. Minutes and seconds are the local ones.
+    // own) leaves the point unchanged. Minutes and seconds are the local
+    // ones, and a point rounded to the minute (hour) lands on a full minute
+    // (hour) of the local clock: the first after it when rounding up, the
+    // last at or before it when rounding down, even where the clock shifts
+    // by 30 minutes in between (02:30 is never the result of hour rounding).
     static double Round(CTime& time, eRoundFlag flag);
     static double Round(CNyrTime& time, eRoundFlag flag);
     static double Round(COleDateTime& time, eRoundFlag flag);
