@@ -29,15 +29,37 @@ double Degrees(double degrees)
     return degrees * kPi / 180;
 }
 
+struct ReadCase
+{
+    std::string text;
+    long unit;
+    int status;
+    double inUnit;  // read back in `unit` when the status is 0
+};
+
+// Reads each text into a value of its unit's kind that held kUntouched.
+void CheckReads(const std::vector<ReadCase>& cases)
+{
+    CNyrUnitSettingsAngle angles;
+    CNyrUnitSettingsDistance distances;
+    CNyrValueAngle angle(0.0, angles);
+    CNyrValueDistance distance(0.0, distances);
+    for (const auto& c : cases) {
+        CNyrValue& value = c.unit < 20 ? static_cast<CNyrValue&>(angle) : distance;
+        value.SetDouble(kUntouched);
+        EXPECT_EQ(value.ConvertToStd(c.text.c_str(), c.unit), c.status) << '"' << c.text << '"';
+        EXPECT_EQ(value.Status(), c.status) << '"' << c.text << '"';
+        double out = kUntouched;
+        if (c.status == OK)
+            value.ConvertStdTo(out, c.unit);
+        EXPECT_DOUBLE_EQ(out, c.status == OK ? c.inUnit : kUntouched) << '"' << c.text << '"';
+        EXPECT_FALSE(value.GetDouble() == 0 && std::signbit(value.GetDouble())) << '"' << c.text << '"';
+    }
+}
+
 TEST(Value, ReadsTextOrRefusesItWhole)
 {
-    const struct
-    {
-        const char* text;
-        long unit;
-        int status;
-        double inUnit;  // read back in `unit` when the status is 0
-    } cases[] = {
+    CheckReads({
         {"12 30 15.5", DMS, OK, 12.30155}, {"12\u00b030'15.5\"", DMS, OK, 12.30155}, {"12", DMS, OK, 12.0},
         // A minus in any field makes the angle negative, also on a zero field
         // and apart from its field as the written texts have it.
@@ -52,53 +74,16 @@ TEST(Value, ReadsTextOrRefusesItWhole)
         {"1e400", DEG, RANGE, 0}, {"nan", DEG, RANGE, 0}, {"-infinity", RAD, RANGE, 0},
         {"12.5 m", M, OK, 12.5}, {"12 S", M, OK, 12.0} /* no hemispheres */, {"1", NYR_UNIT_US_SURVEY_FEET, OK, 1.0},
         {"m 12", M, UNREADABLE, 0}, {"1e13", M, RANGE, 0},
-    };
+    });
     CNyrUnitSettingsAngle angles;
     CNyrUnitSettingsDistance distances;
-    CNyrValueAngle angle(0.0, angles);
+    CNyrValueAngle angle(kUntouched, angles);
     CNyrValueDistance distance(0.0, distances);
-    for (const auto& c : cases) {
-        CNyrValue& value = c.unit < 20 ? static_cast<CNyrValue&>(angle) : distance;
-        value.SetDouble(kUntouched);
-        EXPECT_EQ(value.ConvertToStd(c.text, c.unit), c.status) << '"' << c.text << '"';
-        EXPECT_EQ(value.Status(), c.status) << '"' << c.text << '"';
-        double out = kUntouched;
-        if (c.status == OK)
-            value.ConvertStdTo(out, c.unit);
-        EXPECT_DOUBLE_EQ(out, c.status == OK ? c.inUnit : kUntouched) << '"' << c.text << '"';
-        EXPECT_FALSE(std::signbit(value.GetDouble()) && value.GetDouble() == 0) << '"' << c.text << '"';
-    }
     EXPECT_EQ(angle.ConvertToStd(std::string(300, '1').c_str(), DEG), TOO_LONG);
     EXPECT_EQ(angle.ConvertToStd(nullptr, DMS), UNREADABLE);
     EXPECT_EQ(angle.ConvertToStd("12", M), NYR_VALUE_WRONG_UNIT);
     EXPECT_EQ(distance.ConvertToStd(1.0, DMS), NYR_VALUE_WRONG_UNIT);
     EXPECT_EQ(angle.GetDouble(), kUntouched);
-}
-
-struct ReadCase
-{
-    std::string text;
-    long unit;
-    int status;
-    double inUnit;  // read back in `unit` when the status is 0
-};
-
-void CheckReads(const std::vector<ReadCase>& cases)
-{
-    CNyrUnitSettingsAngle angles;
-    CNyrUnitSettingsDistance distances;
-    CNyrValueAngle angle(0.0, angles);
-    CNyrValueDistance distance(0.0, distances);
-    for (const auto& c : cases) {
-        CNyrValue& value = c.unit < 20 ? static_cast<CNyrValue&>(angle) : distance;
-        value.SetDouble(kUntouched);
-        EXPECT_EQ(value.ConvertToStd(c.text.c_str(), c.unit), c.status) << '"' << c.text << '"';
-        double out = kUntouched;
-        if (c.status == OK)
-            value.ConvertStdTo(out, c.unit);
-        EXPECT_DOUBLE_EQ(out, c.status == OK ? c.inUnit : kUntouched) << '"' << c.text << '"';
-        EXPECT_FALSE(value.GetDouble() == 0 && std::signbit(value.GetDouble())) << '"' << c.text << '"';
-    }
 }
 
 // Regression: "-0" was refused as a negative zero, "0x10" read as 0, an
