@@ -23,6 +23,13 @@ std::string Calendar(const CNyrTime& t)
            t.FormatFracSec(CNyrTimeHelper::eRoundThousandth);
 }
 
+// ScanTime answers 0.0 both for a text it cannot read and for MJD 0
+// (1858-11-17 00:00); only a failure leaves the seconds count 0 (1970).
+bool Scan(CNyrTime& time, const std::string& text, const std::string& pattern)
+{
+    return time.ScanTime(text, pattern) != 0.0 || time.GetTime().GetTime() != 0;
+}
+
 // VALUE: "gps:WEEK:SECONDS", "mjd:DAYS", a plain number (an MJD) or
 // calendar text "YYYY-MM-DD[ HH:MM[:SS[.fff]]]" of local time.
 bool ParseValue(const std::string& text, CNyrTime& time, std::string& problem)
@@ -41,7 +48,7 @@ bool ParseValue(const std::string& text, CNyrTime& time, std::string& problem)
     } else if (ParseDouble(text, mjd) && text.find('-', 1) == std::string::npos) {
         ok = CNyrTimeHelper::SetMjd(mjd, time);
     } else {
-        ok = time.ScanTime(text, kCalendarPattern) != 0.0;
+        ok = Scan(time, text, kCalendarPattern);
     }
     if (!ok)
         problem = "not a local date, MJD or GPS time: " + text;
@@ -118,7 +125,7 @@ int Parse(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
     if (!problem.empty())
         return UsageError(kTime, err, problem);
     CNyrTime t;
-    if (t.ScanTime(args[0], text) == 0.0) {
+    if (!Scan(t, args[0], text)) {
         err << "nyr time: \"" << args[0] << "\" does not read as \"" << text << "\"\n";
         return kFailure;
     }
@@ -134,8 +141,9 @@ int Leap(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
     std::string problem;
     if (!ParseValue(args[0], t, problem))
         return UsageError(kTime, err, problem);
+    // The table's rows are UTC days: a local day would be off near midnight.
     double row = 0.0;
-    const double offset = CNyrTimeHelper::GetLeapSeconds(t.Mjd(), &row);
+    const double offset = CNyrTimeHelper::GetLeapSeconds(CNyrTimeHelper::GetMjdUTC(t), &row);
     out << std::lround(offset * 86400) << "\t"
         << (row == 0.0 ? std::string("-") : CNyrTime::FormatUTC(row, "%Y-%m-%d")) << "\n";
     return kSuccess;
@@ -149,9 +157,10 @@ int ImportLeap(std::vector<std::string>& args, std::ostream& out, std::ostream& 
         return UsageError(kTime, err, "import-leap takes only --list FILE");
     bool expired = false;
     const std::string path = list ? *list : CNyrTimeHelper::SystemLeapSecondsList();
-    const int added = CNyrTimeHelper::ImportLeapSecondsList(path, &expired);
+    std::string problem;
+    const int added = CNyrTimeHelper::ImportLeapSecondsList(path, &expired, &problem);
     if (added < 0) {
-        err << "nyr time: " << path << " is not a readable leap-second list\n";
+        err << "nyr time: " << problem << "\n";
         return kFailure;
     }
     if (expired)
@@ -206,12 +215,15 @@ const Command kTime{
     "             2 hour, 3/4/5 thousandths/tenths/hundredths); --utc shows UTC.\n"
     "parse        reads TEXT with row N, pattern P or the current format;\n"
     "             exit status 1 when it does not read as a time.\n"
-    "leap         prints GPS-UTC in seconds for VALUE and the day that row\n"
-    "             starts on.\n"
+    "leap         prints GPS-UTC in seconds at the instant VALUE and the UTC\n"
+    "             day that row starts on.\n"
     "import-leap  adds the leap seconds of the system's time-zone data\n"
     "             (/usr/share/zoneinfo/leap-seconds.list, or FILE) to the table\n"
     "             of the settings file and prints how many rows it gained;\n"
-    "             warns when the list has expired.\n"
+    "             warns when the list has expired. A list whose hash line\n"
+    "             (#h) is missing or wrong, or whose rows do not rise by one\n"
+    "             second each, is refused whole (exit status 1), and so is\n"
+    "             an import the settings file cannot take.\n"
     "--settings   uses FILE as the library's settings file.\n",
     RunTime};
 NYR_REGISTER_COMMAND(kTime)

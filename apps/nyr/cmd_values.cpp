@@ -190,7 +190,7 @@ const Command kAngle{
     "         a latitude or longitude with its hemisphere letter.\n"
     "parse    reads TEXT in UNIT (\"12 30 15.5\", \"12°30'15.5\\\" S\", \"-12.5\") and prints\n"
     "         the angle in radians.\n"
-    "Exit status 1 when a value is refused (out of range, unreadable, -0, ...).\n",
+    "Exit status 1 when a value is refused (out of range, unreadable, ...).\n",
     RunAngle};
 NYR_REGISTER_COMMAND(kAngle)
 
@@ -203,7 +203,7 @@ const Command kDistance{"distance", "convert, format and read distances in the l
                         "convert  converts VALUE between units (--precision P: print P decimals).\n"
                         "format   prints the text of METRES in UNIT with P decimals (default 6).\n"
                         "parse    reads TEXT in UNIT and prints the distance in metres.\n"
-                        "Exit status 1 when a value is refused (out of range, unreadable, -0, ...).\n",
+                        "Exit status 1 when a value is refused (out of range, unreadable, ...).\n",
                         RunDistance};
 NYR_REGISTER_COMMAND(kDistance)
 

@@ -277,6 +277,15 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26303, "Move &Up"},
     {26304, "Move &Down"},
     {26305, "&Defaults"},
+    // Leap-second lists
+    {26330, "The leap-second list cannot be read: %s"},
+    {26331, "Line %d of the leap-second list %s cannot be read."},
+    {26332, "The leap-second list %s has no hash line (#h): it may be cut off."},
+    {26333, "The hash of the leap-second list %s does not match its data: the list is damaged or cut off."},
+    {26334, "Line %d of the leap-second list %s does not follow the row before it by one second."},
+    {26335, "The leap-second list %s holds no leap seconds."},
+    {26336, "The leap-second table cannot be written to the settings file %s: %s"},
+    {26337, "The leap-second table cannot be written to the settings file %s."},
     // Application services: dialog buttons, About box, progress, recent
     // documents, browsing, single instance
     {26420, "&Apply"},

@@ -55,6 +55,39 @@ bool MakeLocal(int64_t year, int month, int day, int hour, int minute, int secon
     return true;
 }
 
+bool MakeLocalLike(int64_t year, int month, int day, int hour, int minute, int second, int64_t like,
+                   int64_t& seconds)
+{
+    if (!MakeLocal(year, month, day, hour, minute, second, -1, seconds))
+        return false;
+    struct tm likeFields {};
+    int64_t likeOffset = 0;
+    if (!OffsetAt(like, likeOffset, &likeFields))
+        return true;
+    // The instants that read so are the reading less an offset in force
+    // near it; zones change their offset at most once in a few weeks.
+    const int64_t reading = DaysFromCivil(year, month, day) * 86400 + hour * int64_t{3600} + minute * 60 + second;
+    // The platform's choice comes first among equals.
+    int64_t offsets[4] = {likeOffset, likeOffset, likeOffset, likeOffset};
+    const int64_t near[3] = {seconds, seconds - 86400, seconds + 86400};
+    for (int i = 0; i < 3; ++i)
+        OffsetAt(near[i], offsets[i + 1]);
+    int bestScore = -1;
+    for (const int64_t offset : offsets) {
+        const int64_t candidate = reading - offset;
+        struct tm fields {};
+        int64_t actual = 0;
+        if (!OffsetAt(candidate, actual, &fields) || actual != offset)
+            continue;  // does not read so: the offset is not in force there
+        const int score = offset == likeOffset ? 2 : fields.tm_isdst == likeFields.tm_isdst ? 1 : 0;
+        if (score > bestScore) {
+            bestScore = score;
+            seconds = candidate;
+        }
+    }
+    return true;
+}
+
 }  // namespace nyr::local
 
 // ---------------------------------------------------------------------------

@@ -59,19 +59,6 @@ constexpr uint64_t kRunGenerationMask = (uint64_t{1} << 9) - 1;
 constexpr int64_t kRunReach = 62;
 std::atomic<uint64_t> g_run{0};
 
-bool OffsetAt(int64_t seconds, int64_t& offset)
-{
-    struct tm f {};
-    if (!Breakdown(seconds, f))
-        return false;
-    // From the fields rather than tm_gmtoff, so that zones counting leap
-    // seconds read as their clocks do.
-    const int64_t local = cal::DaysFromCivil(f.tm_year + 1900, f.tm_mon + 1, f.tm_mday) * kDay +
-                          f.tm_hour * int64_t{3600} + f.tm_min * 60 + f.tm_sec;
-    offset = local - seconds;
-    return true;
-}
-
 int64_t FloorDiv(int64_t a, int64_t b)
 {
     return a / b - (a % b < 0 ? 1 : 0);
@@ -170,6 +157,21 @@ int Sign2(int64_t d)
 }
 
 }  // namespace
+
+bool OffsetAt(int64_t seconds, int64_t& offset, struct tm* breakdown)
+{
+    struct tm f {};
+    if (!Breakdown(seconds, f))
+        return false;
+    // From the fields rather than tm_gmtoff, so that zones counting leap
+    // seconds read as their clocks do.
+    const int64_t local = cal::DaysFromCivil(f.tm_year + 1900, f.tm_mon + 1, f.tm_mday) * kDay +
+                          f.tm_hour * int64_t{3600} + f.tm_min * 60 + f.tm_sec;
+    offset = local - seconds;
+    if (breakdown)
+        *breakdown = f;
+    return true;
+}
 
 int CompareLocalReadings(int64_t a, int64_t b)
 {

@@ -25,6 +25,18 @@ bool BreakdownUtc(int64_t seconds, struct tm& fields);
 // against the month) or the platform cannot convert.
 bool MakeLocal(int64_t year, int month, int day, int hour, int minute, int second, int dst, int64_t& seconds);
 
+// Of the instants whose local reading is the given calendar fields, the one
+// on the same side of a repeated reading (the hour a clock turned back runs
+// twice) as the instant `like`: the one with like's offset from UTC, else
+// with its daylight flag, else the platform's choice. A reading the clock
+// skipped (turned forward) gives the platform's choice. False as MakeLocal.
+bool MakeLocalLike(int64_t year, int month, int day, int hour, int minute, int second, int64_t like,
+                   int64_t& seconds);
+
+// The zone's offset at an instant (local reading minus UTC, in seconds) and,
+// when asked, the breakdown; false where Breakdown fails.
+bool OffsetAt(int64_t seconds, int64_t& offset, struct tm* breakdown = nullptr);
+
 // Orders two instants (seconds since 1970 UTC) by their local clock
 // readings, each the instant plus the zone's offset then: -1 or 1 when the
 // readings lie two or more seconds apart, 0 when they are nearer or one

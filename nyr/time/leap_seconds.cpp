@@ -1,13 +1,16 @@
 // The process-wide table of GPS-UTC offsets (leap seconds).
 #include <bit>
+#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "nyr/frame/resource_module.h"
+#include "nyr/platform/string_format.h"
+#include "nyr/platform/system_error.h"
+#include "nyr/time/leap_seconds_p.h"
 #include "nyr/time/time.h"
 #include "nyr/util/base64.h"
 #include "nyr/util/profile_entries.h"
@@ -30,8 +33,6 @@ constexpr int kMaxCount = 50;
 constexpr double kMjdOfNtpZero = 15020.0;
 constexpr int64_t kNtpOf1970 = 2208988800;
 constexpr long kTaiMinusGps = 19;
-// A leap-second list is a few kB; anything far beyond is not one.
-constexpr std::size_t kMaxListBytes = 1 << 20;
 
 struct LeapTable
 {
@@ -68,51 +69,42 @@ void AppendLittleEndian(std::vector<unsigned char>& out, double value)
         out.push_back(static_cast<unsigned char>(bits >> (8 * i)));
 }
 
-void Save()
+// Writes `rows` to the settings file; false when the file was not written
+// (an empty table writes nothing and succeeds).
+bool Save(const std::map<double, double>& rows)
 {
-    const auto& rows = StaticLeapSeconds().rows;
     if (rows.empty())
-        return;
+        return true;
     std::vector<unsigned char> bytes;
     bytes.reserve(rows.size() * 16);
     for (const auto& [mjd, offset] : rows) {
         AppendLittleEndian(bytes, mjd);
         AppendLittleEndian(bytes, offset);
     }
-    CNyrProfileEntries::WriteNyrProfileString(CNyrProfileEntries::LeapSecondsSection(),
-                                              CNyrProfileEntries::LeapSecondsEntry(),
-                                              NyrEncodeBase64(bytes.data(), bytes.size(), 0));
+    return CNyrProfileEntries::WriteNyrProfileString(CNyrProfileEntries::LeapSecondsSection(),
+                                                     CNyrProfileEntries::LeapSecondsEntry(),
+                                                     NyrEncodeBase64(bytes.data(), bytes.size(), 0)) != 0;
 }
 
-// Whole file into `text`; false when unreadable or larger than `limit`.
-bool ReadSmallFile(const std::string& path, std::string& text, std::size_t limit)
+// Whether AddLeapSeconds takes the row (floor(mjd), count): false when it
+// refuses it, and `add` false for a count the built-in rows cover.
+bool TakesRow(double& day, uint8_t count, bool& add)
 {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file)
+    add = false;
+    if (count < kLastBuiltinCount)
+        return true;
+    if (count > kMaxCount)
         return false;
-    char buffer[4096];
-    std::size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, file)) > 0 && text.size() <= limit)
-        text.append(buffer, n);
-    const bool ok = !std::ferror(file) && text.size() <= limit;
-    std::fclose(file);
-    return ok;
-}
-
-// An unsigned decimal number at text[i...]; false when there is none or it
-// exceeds 2^62.
-bool ParseCount(const std::string& text, std::size_t& i, int64_t& value)
-{
-    while (i < text.size() && (text[i] == ' ' || text[i] == '\t'))
-        ++i;
-    if (i == text.size() || text[i] < '0' || text[i] > '9')
+    day = std::floor(day);
+    double earliest = 0.0, latest = 0.0;
+    CNyrTimeHelper::GetPhysicalRange(earliest, latest, CNyrTimeHelper::eRangeCTime);
+    if (!(day >= earliest && day <= latest))
         return false;
-    value = 0;
-    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-        if (value > (int64_t{1} << 62) / 10)
-            return false;
-        value = value * 10 + (text[i] - '0');
-    }
+    long y, m, d, h, mi, s;
+    double fraction;
+    if (!CNyrTimeHelper::Mjd2Ymd(day, y, m, d, h, mi, s, fraction) || d != 1 || (m != 1 && m != 7))
+        return false;
+    add = true;
     return true;
 }
 
@@ -169,21 +161,14 @@ double CNyrTimeHelper::GetLeapSeconds(const double& mjd, double* rowMjd)
 
 bool CNyrTimeHelper::AddLeapSeconds(const double& mjd, uint8_t count)
 {
-    if (count < kLastBuiltinCount)
-        return true;
-    if (count > kMaxCount)
+    double day = mjd;
+    bool add = false;
+    if (!TakesRow(day, count, add))
         return false;
-    const double day = std::floor(mjd);
-    double earliest = 0.0, latest = 0.0;
-    GetPhysicalRange(earliest, latest, eRangeCTime);
-    if (!(day >= earliest && day <= latest))
-        return false;
-    long y, m, d, h, mi, s;
-    double fraction;
-    if (!Mjd2Ymd(day, y, m, d, h, mi, s, fraction) || d != 1 || (m != 1 && m != 7))
-        return false;
-    Rows().emplace(day, count / 86400.0);
-    Save();
+    if (add) {
+        Rows().emplace(day, count / 86400.0);
+        Save(Rows());
+    }
     return true;
 }
 
@@ -203,52 +188,44 @@ const char* CNyrTimeHelper::SystemLeapSecondsList()
     return "/usr/share/zoneinfo/leap-seconds.list";
 }
 
-int CNyrTimeHelper::ImportLeapSecondsList(const std::string& path, bool* expired)
+int CNyrTimeHelper::ImportLeapSecondsList(const std::string& path, bool* expired, std::string* problem)
 {
     if (expired)
         *expired = false;
-    std::string text;
-    if (!ReadSmallFile(path, text, kMaxListBytes))
+    nyr::time::LeapSecondsList list;
+    std::string why;
+    if (!nyr::time::ReadLeapSecondsList(path, list, why)) {
+        if (problem)
+            *problem = why;
         return -1;
+    }
+    if (expired && list.expires >= 0)
+        *expired = static_cast<int64_t>(std::time(nullptr)) + kNtpOf1970 > list.expires;
 
-    int64_t expiresNtp = -1;
-    std::vector<std::pair<double, long>> rows;  // MJD, TAI-UTC
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        std::size_t end = text.find('\n', pos);
-        if (end == std::string::npos)
-            end = text.size();
-        const std::string line = text.substr(pos, end - pos);
-        pos = end + 1;
-        std::size_t i = 0;
-        if (line.rfind("#@", 0) == 0) {
-            i = 2;
-            if (!ParseCount(line, i, expiresNtp))
-                return -1;
-            continue;
+    // The whole list goes into a copy, which becomes the table only once the
+    // settings file holds it.
+    std::map<double, double> rows = Rows();
+    for (const nyr::time::LeapRow& row : list.rows) {
+        const int64_t gpsMinusUtc = row.taiMinusUtc - kTaiMinusGps;
+        double day = kMjdOfNtpZero + static_cast<double>(row.ntp / 86400);
+        bool add = false;
+        // Rows before 1980 have no GPS form; rows the table cannot hold are left out.
+        if (gpsMinusUtc >= 0 && gpsMinusUtc <= kMaxCount &&
+            TakesRow(day, static_cast<uint8_t>(gpsMinusUtc), add) && add)
+            rows.emplace(day, static_cast<double>(gpsMinusUtc) / 86400.0);
+    }
+    const int gained = static_cast<int>(rows.size() - Rows().size());
+    if (gained > 0) {
+        errno = 0;
+        if (!Save(rows)) {
+            const int code = errno;
+            if (problem)
+                *problem = code ? NyrFormat(NyrLoadString(26336).c_str(), NyrGetProfilePath().c_str(),
+                                            NyrSystemErrorText(static_cast<unsigned long>(code)).c_str())
+                                : NyrFormat(NyrLoadString(26337).c_str(), NyrGetProfilePath().c_str());
+            return -1;
         }
-        if (line.find_first_not_of(" \t\r") == std::string::npos || line[0] == '#')
-            continue;
-        int64_t ntp = 0, taiMinusUtc = 0;
-        if (!ParseCount(line, i, ntp) || !ParseCount(line, i, taiMinusUtc) || ntp % 86400 != 0 ||
-            taiMinusUtc > 1000)
-            return -1;
-        while (i < line.size() && (line[i] == ' ' || line[i] == '\t' || line[i] == '\r'))
-            ++i;
-        if (i < line.size() && line[i] != '#')
-            return -1;
-        rows.emplace_back(kMjdOfNtpZero + static_cast<double>(ntp / 86400), static_cast<long>(taiMinusUtc));
     }
-    if (rows.empty())
-        return -1;
-    if (expired && expiresNtp >= 0)
-        *expired = static_cast<int64_t>(std::time(nullptr)) + kNtpOf1970 > expiresNtp;
-
-    const std::size_t before = Rows().size();
-    for (const auto& [mjd, taiMinusUtc] : rows) {
-        const long gpsMinusUtc = taiMinusUtc - kTaiMinusGps;
-        if (gpsMinusUtc >= 0 && gpsMinusUtc <= 255)  // rows before 1980 have no GPS form
-            AddLeapSeconds(mjd, static_cast<uint8_t>(gpsMinusUtc));
-    }
-    return static_cast<int>(Rows().size() - before);
+    StaticLeapSeconds().rows = std::move(rows);
+    return gained;
 }

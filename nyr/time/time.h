@@ -196,7 +196,9 @@ public:
     // then drops the field (digits, ".", "A", "P", "M") and the separators
     // after it. A two-digit year below 71 is 20yy, else 19yy; "PM" adds 12
     // to an hour below 12 ("12 AM" stays 12). Fields that name no local
-    // instant give the seconds count 0, fraction 0 and the result 0.0.
+    // instant give the seconds count 0, fraction 0 and the result 0.0; the
+    // result 0.0 of a text that reads as MJD 0 (1858-11-17 00:00) comes with
+    // the seconds count of that day, so a caller tells the two apart by it.
     // Intended, as the format table has always read: "%#d", "%#I" and "%b"
     // read as a year and a dotted date is one field, so of the table only
     // rows 0, 1, 4, 5, 8, 9, 12 and 13 read back field for field.

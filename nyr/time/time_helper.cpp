@@ -71,7 +71,8 @@ bool AddElapsed(CTime& time, long count, int64_t unit)
     return true;
 }
 
-// Steps the local calendar by months and then days, keeping the time of day.
+// Steps the local calendar by months and then days, keeping the time of day
+// and, where the new day repeats it, the side of a repeated hour.
 bool AddCalendar(CTime& time, long months, long days)
 {
     if (months > kMaxCount || months < -kMaxCount || days > kMaxCount || days < -kMaxCount)
@@ -87,7 +88,7 @@ bool AddCalendar(CTime& time, long months, long days)
     const int day = std::min(f.tm_mday, DaysInMonth(year, month));
     const Civil c = CivilFromDays(DaysFromCivil(year, month, day) + days);
     int64_t result = 0;
-    if (!nyr::local::MakeLocal(c.year, c.month, c.day, f.tm_hour, f.tm_min, f.tm_sec, -1, result) ||
+    if (!nyr::local::MakeLocalLike(c.year, c.month, c.day, f.tm_hour, f.tm_min, f.tm_sec, time.GetTime(), result) ||
         !nyr::time::InCTimeRange(result))
         return false;
     time = CTime(result);
@@ -219,15 +220,55 @@ bool InCTimeRange(int64_t seconds)
     return seconds >= earliest.GetTime() && seconds <= latest.GetTime();
 }
 
+namespace {
+
+// Seconds past the last full minute (unit 60) or hour (3600) of the clock
+// at an instant; false where it cannot be broken down.
+bool PastFullUnit(int64_t seconds, int64_t unit, bool utc, int64_t& past)
+{
+    struct tm f {};
+    if (!(utc ? nyr::local::BreakdownUtc(seconds, f) : nyr::local::Breakdown(seconds, f)))
+        return false;
+    past = (unit == 3600 ? f.tm_min * 60 : 0) + f.tm_sec;
+    return true;
+}
+
+// Rounding to the minute or hour searches instants, not readings: the first
+// instant after the point at which the clock shows a full minute (hour), or
+// the last one at or before it. Stepping by the reading alone would land on
+// :30 where a clock shift of 30 minutes lies in between (Lord Howe Island).
+void RoundToFullUnit(CTime& time, double& fraction, int64_t unit, bool utc)
+{
+    int64_t past = 0;
+    if (!PastFullUnit(time.GetTime(), unit, utc, past))
+        return;
+    const bool up = past >= unit / 2;
+    int64_t result = time.GetTime();
+    // Each step reaches the next full unit of the offset in force there; a
+    // clock shift in between (zones shift at most a few times a year) moves
+    // the search on once more.
+    for (int step = 0; step < 4 && past != 0; ++step) {
+        result += up ? unit - past : -past;
+        if (!PastFullUnit(result, unit, utc, past))
+            return;
+    }
+    if (past != 0 || (up && !InCTimeRange(result)))
+        return;
+    time = CTime(result);
+    fraction = 0.0;
+}
+
+}  // namespace
+
 void RoundPoint(CTime& time, double& fraction, int flag, bool utc)
 {
     const int f = flag & ~128;
-    struct tm fields {};
-    if ((f == CNyrTimeHelper::eRoundMinute || f == CNyrTimeHelper::eRoundHour) &&
-        !(utc ? time.GetGmtTm(fields) : time.GetLocalTm(fields)))
+    if (f == CNyrTimeHelper::eRoundMinute || f == CNyrTimeHelper::eRoundHour) {
+        RoundToFullUnit(time, fraction, f == CNyrTimeHelper::eRoundHour ? 3600 : 60, utc);
         return;
+    }
     RoundStep step;
-    if (!PlanRound(flag, fields.tm_min, fields.tm_sec, fraction, step))
+    if (!PlanRound(flag, 0, 0, fraction, step))
         return;
     const int64_t result = time.GetTime() + step.delta;
     if (step.carry && !InCTimeRange(result))
@@ -263,6 +304,12 @@ double CNyrTimeHelper::GetMjd(const COleDateTime& time)
     if (time.GetStatus() != COleDateTime::valid)
         return 0.0;
     return static_cast<double>(kMjdOfOleZero) + time.GetLinearDays();
+}
+
+double CNyrTimeHelper::GetMjdUTC(const CNyrTime& time)
+{
+    return static_cast<double>(kMjdOf1970) +
+           (static_cast<double>(time.GetTime().GetTime()) + time.GetFracSecond()) / 86400.0;
 }
 
 bool CNyrTimeHelper::Mjd2Ymd(double mjd, long& year, long& month, long& day, long& hour, long& minute, long& second,

@@ -42,6 +42,11 @@ public:
     static double GetMjd(const CNyrTime& time);
     static double GetMjd(const CTime& time);
     static double GetMjd(const COleDateTime& time);
+    // The MJD of the point's instant in UTC, from its seconds count and
+    // fraction: days since 1858-11-17 00:00 UTC, whatever the zone (unlike
+    // CNyrTime::MjdUTC, which adds the zone offset to the local MJD). The
+    // leap-second table is kept by UTC day: look a point up with this.
+    static double GetMjdUTC(const CNyrTime& time);
     // Sets the target to the local civil MJD; false (target: seconds count 0,
     // or status invalid) when the MJD names no instant of that kind. A CTime
     // drops the fraction of a second.
@@ -85,7 +90,8 @@ public:
     // Seconds, minutes and hours are elapsed time; days, weeks, months and
     // years step the local calendar and keep the time of day (a day that is
     // too short for the month takes its last day: Jan 31 + 1 month = Feb 28
-    // or 29). Each returns true when the result lies within the range (CTime
+    // or 29) and, where the new day runs that time twice (a clock turned
+    // back), the point's side of it: adding 0 leaves the instant as it is. Each returns true when the result lies within the range (CTime
     // and CNyrTime: the CTime range) and otherwise returns false and leaves
     // the point unchanged. Negative counts go back. A CNyrTime keeps its
     // fraction of a second.
@@ -122,7 +128,11 @@ public:
     // Rounds in place (see eRoundFlag) and returns the new MJD. A carry into
     // the next second, minute or hour that would leave the range of the
     // point's kind (CTime and CNyrTime: the CTime range; COleDateTime: its
-    // own) leaves the point unchanged. Minutes and seconds are the local ones.
+    // own) leaves the point unchanged. Minutes and seconds are the local
+    // ones, and a point rounded to the minute (hour) lands on a full minute
+    // (hour) of the local clock: the first after it when rounding up, the
+    // last at or before it when rounding down, even where the clock shifts
+    // by 30 minutes in between (02:30 is never the result of hour rounding).
     static double Round(CTime& time, eRoundFlag flag);
     static double Round(CNyrTime& time, eRoundFlag flag);
     static double Round(COleDateTime& time, eRoundFlag flag);
@@ -140,7 +150,8 @@ public:
     // ("LeapSeconds" / "KnownLeapSeconds": Base64 of little-endian double
     // pairs, MJD then offset in days). Loaded on first use.
 
-    // The offset in days of the last row at or before `mjd`; its MJD goes to
+    // The offset in days of the last row at or before `mjd`, a UTC MJD (for
+    // a time point GetMjdUTC, not its local MJD); the row's MJD goes to
     // *rowMjd. 0.0 (and *rowMjd 0.0) before the first row.
     static double GetLeapSeconds(const double& mjd, double* rowMjd = nullptr);
     // Adds the row (floor(mjd), count seconds) and saves the table. A count
@@ -163,13 +174,21 @@ public:
 
     // Imports a leap-second list in the NTP format of the time-zone data:
     // data lines "NTP-seconds TAI-UTC [# comment]" (seconds since 1900-01-01
-    // UTC), the expiry line "#@ NTP-seconds", other "#" lines comments. Each
-    // row from 1980 on goes through AddLeapSeconds(day, TAI-UTC - 19), so
-    // that with a current list a day from 2017-01-01 on reads 18 s.
+    // UTC), "#$ NTP-seconds" (updated), "#@ NTP-seconds" (expires), the
+    // "#h" hash line, other "#" lines comments. The list is checked whole
+    // before any row is taken: every line readable, the "#h" line present
+    // and equal to the SHA-1 of the data fields ("#$", "#@" and each row's
+    // two numbers), each row a later day with TAI-UTC one second more. Each
+    // row from 1980 on then goes through the checks of AddLeapSeconds(day,
+    // TAI-UTC - 19), so that with a current list a day from 2017-01-01 on
+    // reads 18 s, and the table is saved once.
     // Returns the number of rows the table gained (0 when it was up to
-    // date), or -1 when the file cannot be read or a data line is malformed
-    // (nothing is added then). *expired tells whether the list's expiry
-    // date has passed (false without an expiry line); a list past its expiry
-    // is still imported, its caller decides whether to warn.
-    static int ImportLeapSecondsList(const std::string& path = SystemLeapSecondsList(), bool* expired = nullptr);
+    // date), or -1 with nothing added and nothing stored when the list is
+    // refused or the settings file cannot be written; `problem` then
+    // receives the reason (text table 26330 to 26337, with the system's
+    // text where it has one). *expired tells whether the list's expiry date
+    // has passed (false without an expiry line); a list past its expiry is
+    // still imported, its caller decides whether to warn.
+    static int ImportLeapSecondsList(const std::string& path = SystemLeapSecondsList(), bool* expired = nullptr,
+                                     std::string* problem = nullptr);
 };

@@ -1,6 +1,8 @@
 #include "nyr/values/format.h"
 
 #include <charconv>
+#include <climits>
+#include <cstdint>
 #include <cmath>
 #include <string_view>
 
@@ -53,7 +55,7 @@ const std::string& HemisphereLetter(eNyrGeoKind kind, bool negative)
 }
 
 // An integer right-aligned in `width` places, padded with `pad`.
-void AppendInt(std::string& out, long long value, int width, char pad)
+void AppendInt(std::string& out, uint64_t value, int width, char pad)
 {
     char digits[24];
     const auto result = std::to_chars(digits, digits + sizeof digits, value);
@@ -63,23 +65,27 @@ void AppendInt(std::string& out, long long value, int width, char pad)
     out.append(digits, result.ptr);
 }
 
-// Seconds (in 1e-8 units) with two integer places padded with `pad` and
-// `decimals` (0 to 8) decimals; trimmed like the decimal text when asked.
-void AppendSeconds(std::string& out, long long seconds, int decimals, char pad, bool trim)
+// The decimal digits of `value` in exactly `count` places, leading zeros kept.
+void AppendDigits(std::string& out, uint64_t value, int count)
 {
-    AppendInt(out, seconds / kSecondUnits, 2, pad);
-    if (decimals == 0)
-        return;
-    char fraction[kMaxSecondDecimals];
-    long long rest = seconds % kSecondUnits;
-    for (int i = kMaxSecondDecimals - 1; i >= 0; --i, rest /= 10)
-        fraction[i] = static_cast<char>('0' + rest % 10);
-    int shown = decimals;
-    if (trim)
-        while (shown > 1 && fraction[shown - 1] == '0')
-            --shown;
+    char digits[20];
+    for (int i = count - 1; i >= 0; --i, value /= 10)
+        digits[i] = static_cast<char>('0' + value % 10);
+    out.append(digits, static_cast<std::size_t>(count));
+}
+
+// The seconds (cc) of a rounded angle: two integer places padded with `pad`,
+// the decimals it was rounded to, then zeros up to `shown` decimals;
+// trimmed like the decimal text when asked.
+void AppendSeconds(std::string& out, const RoundedAngle& angle, int shown, char pad, bool trim)
+{
+    AppendInt(out, angle.WholeSeconds(), 2, pad);
+    const std::size_t point = out.size();
     out += '.';
-    out.append(fraction, static_cast<std::size_t>(shown));
+    AppendDigits(out, angle.SecondDecimals(), angle.decimals - 4);
+    out.append(static_cast<std::size_t>(shown - (angle.decimals - 4)), '0');
+    if (trim)
+        DropTrailingZeros(out, point);
 }
 
 // Spells out the capitalised placeholders as the lower-case ones followed by
@@ -111,7 +117,7 @@ std::string SpellOutSymbols(const std::string& format, const std::string (&symbo
     return out;
 }
 
-void AppendCustom(std::string& out, const std::string& format, const PackedFields& f, bool showSign, int decimals,
+void AppendCustom(std::string& out, const std::string& format, const RoundedAngle& f, bool showSign, int shown,
                   bool trim)
 {
     for (std::size_t i = 0; i < format.size();) {
@@ -121,15 +127,15 @@ void AppendCustom(std::string& out, const std::string& format, const PackedField
             out += '%';
             i += 2;
         } else if (format.compare(i, 7, "%degOrG") == 0) {
-            if (showSign && f.negative)
+            if (showSign && f.negative && !f.IsZero())
                 out += '-';
             AppendInt(out, f.whole, 1, ' ');
             i += 7;
         } else if (format.compare(i, 7, "%minOrC") == 0) {
-            AppendInt(out, f.minutes, 2, '0');
+            AppendInt(out, f.Minutes(), 2, '0');
             i += 7;
         } else if (format.compare(i, 8, "%secOrCC") == 0) {
-            AppendSeconds(out, f.seconds, decimals, '0', trim);
+            AppendSeconds(out, f, shown, '0', trim);
             i += 8;
         } else {
             out += format[i++];
@@ -222,71 +228,92 @@ int CNyrFormat::ConvertToString(double value, long unit, std::string& out, eNyrG
     const bool angle = NyrIsAngleUnit(unit);
     if ((!angle && !NyrIsDistanceUnit(unit)) || !std::isfinite(value))
         return 0;
-    const bool geo = angle && kind != NYR_GEO_NONE;
-    if (angle && !geo && m_limitToCircle)
+    if (!angle)
+        kind = NYR_GEO_NONE;
+    if (angle && kind == NYR_GEO_NONE && m_limitToCircle)
         packedFlags |= WB32_FLAG_ONE_TURN;
+    if ((unit == NYR_UNIT_DMS || unit == NYR_UNIT_GON) && !m_useSecOnly)
+        return FieldText(value, unit == NYR_UNIT_DMS ? 60 : 100, kind, packedFlags, out);
+    DecimalText(value, unit, kind, packedFlags, out);
+    return 1;
+}
+
+int CNyrFormat::FieldText(double value, int base, eNyrGeoKind kind, unsigned long flags, std::string& out) const
+{
+    // Rounded once, at the precision: the seconds' decimals are the packed
+    // number's decimals beyond its four field digits.
+    RoundedAngle f;
+    if (!RoundAngle(value, base, m_precision + 4, flags, f) || f.whole > INT_MAX)
+        return 0;  // beyond the int fields: only values far outside any angle's range get here
+    const bool negative = f.negative && !f.IsZero();  // a zero angle has a blank sign
     const bool trim = m_trimTrailingZeros != 0;
-
-    if ((unit == NYR_UNIT_DMS || unit == NYR_UNIT_GON) && !m_useSecOnly) {
-        const int base = unit == NYR_UNIT_DMS ? 60 : 100;
-        const int precision = m_precision > kMaxSecondDecimals ? kMaxSecondDecimals : m_precision;
-        const int decimals = precision <= 5 ? 5 : precision;
-        const double packed = RadiansToPacked(value, base, precision + 5, packedFlags);
-        PackedFields f;
-        if (!SplitPacked(packed, base, precision, packedFlags, f))
-            return 0;  // beyond the int fields: only values far outside any angle's range get here
-
-        const std::string& custom = base == 60 ? m_customDms : m_customGon;
-        if (!custom.empty()) {
-            AppendCustom(out, custom, f, !geo, decimals, trim);
-        } else {
-            const std::string(&symbols)[3] = base == 60 ? Texts().dms : Texts().gon;
-            int last = 2;
-            if (trim && f.seconds == 0)
-                last = f.minutes == 0 ? 0 : 1;
-            int first = 0;
-            if (m_trimLeadingZeros && f.whole == 0)
-                first = f.minutes == 0 ? 2 : 1;
-            if (first > last)
-                first = last;
-            if (!geo)
-                out += f.negative ? '-' : ' ';
-            for (int field = first; field <= last; ++field) {
-                if (field > first)
-                    out += ' ';
-                const char pad = field == first && first > 0 ? ' ' : '0';
-                if (field == 0)
-                    AppendInt(out, f.whole, kind == NYR_GEO_LATITUDE ? 2 : 3, ' ');
-                else if (field == 1)
-                    AppendInt(out, f.minutes, 2, pad);
-                else
-                    AppendSeconds(out, f.seconds, decimals, pad, trim);
-                if (m_useDmsSymbols)
-                    out += symbols[field];
-            }
+    const int shown = m_precision <= 5 ? 5 : m_precision;
+    const std::string& custom = base == 60 ? m_customDms : m_customGon;
+    if (!custom.empty()) {
+        AppendCustom(out, custom, f, kind == NYR_GEO_NONE, shown, trim);
+    } else {
+        const std::string(&symbols)[3] = base == 60 ? Texts().dms : Texts().gon;
+        int last = 2;
+        if (trim && f.Seconds() == 0)
+            last = f.Minutes() == 0 ? 0 : 1;
+        int first = 0;
+        if (m_trimLeadingZeros && f.whole == 0)
+            first = f.Minutes() == 0 ? 2 : 1;
+        if (first > last)
+            first = last;
+        if (kind == NYR_GEO_NONE)
+            out += negative ? '-' : ' ';
+        for (int field = first; field <= last; ++field) {
+            if (field > first)
+                out += ' ';
+            const char pad = field == first && first > 0 ? ' ' : '0';
+            if (field == 0)
+                AppendInt(out, f.whole, kind == NYR_GEO_LATITUDE ? 2 : 3, ' ');
+            else if (field == 1)
+                AppendInt(out, f.Minutes(), 2, pad);
+            else
+                AppendSeconds(out, f, shown, pad, trim);
+            if (m_useDmsSymbols)
+                out += symbols[field];
         }
-        if (geo) {
-            out += ' ';
-            out += HemisphereLetter(kind, f.negative);
-        }
-        return 1;
     }
+    if (kind != NYR_GEO_NONE) {
+        out += ' ';
+        out += HemisphereLetter(kind, negative);
+    }
+    return 1;
+}
 
-    double number = 0;
-    const double shown = geo ? std::fabs(value) : value;
-    if (m_useSecOnly && unit >= NYR_UNIT_DEGREE && unit <= NYR_UNIT_DECIMAL_DMS)
-        number = shown / kDegreeFactor * 3600.0;
-    else if (m_useSecOnly && unit >= NYR_UNIT_GRAD && unit <= NYR_UNIT_DECIMAL_GON)
-        number = shown / kGradFactor * 10000.0;
-    else
-        ConvertUnits(shown, angle ? NYR_UNIT_RADIANS : NYR_UNIT_METRES, number, unit,
-                     m_precision <= 0 ? 6 : m_precision, packedFlags);
-    AppendDecimalText(out, number, m_precision, trim);
-    if (geo) {
+void CNyrFormat::DecimalText(double value, long unit, eNyrGeoKind kind, unsigned long flags, std::string& out) const
+{
+    const bool trim = m_trimTrailingZeros != 0;
+    const int precision = m_precision <= 0 ? 6 : m_precision;
+    const double shown = kind != NYR_GEO_NONE ? std::fabs(value) : value;
+    RoundedAngle packed;
+    if (m_useSecOnly && unit >= NYR_UNIT_DEGREE && unit <= NYR_UNIT_DECIMAL_DMS) {
+        AppendDecimalText(out, shown / kDegreeFactor * 3600.0, precision, trim);
+    } else if (m_useSecOnly && unit >= NYR_UNIT_GRAD && unit <= NYR_UNIT_DECIMAL_GON) {
+        AppendDecimalText(out, shown / kGradFactor * 10000.0, precision, trim);
+    } else if ((unit == NYR_UNIT_DECIMAL_DMS || unit == NYR_UNIT_DECIMAL_GON) &&
+               RoundAngle(shown, unit == NYR_UNIT_DECIMAL_DMS ? 60 : 100, precision, flags, packed)) {
+        // The packed number's digits as they were rounded: a double would
+        // hold too few of them beyond a few hundred degrees.
+        out += packed.negative ? '-' : ' ';
+        AppendInt(out, packed.whole, 1, ' ');
+        const std::size_t point = out.size();
+        out += '.';
+        AppendDigits(out, packed.fraction, precision);
+        if (trim)
+            DropTrailingZeros(out, point);
+    } else {
+        double number = 0;
+        ConvertUnits(shown, NyrIsAngleUnit(unit) ? NYR_UNIT_RADIANS : NYR_UNIT_METRES, number, unit, precision, flags);
+        AppendDecimalText(out, number, precision, trim);
+    }
+    if (kind != NYR_GEO_NONE) {
         // The hemisphere of a value that shows as zero is N or E.
         const bool negative = value < 0 && out.find_first_of("123456789") != std::string::npos;
         out += ' ';
         out += HemisphereLetter(kind, negative);
     }
-    return 1;
 }

@@ -21,22 +21,25 @@ enum eNyrGeoKind
 // well when seconds-only is on.
 //   - precision 0 or less gives 6 decimals (intended: 0 cannot be asked for);
 //   - "% .*f": a blank in front of a non-negative number, '-' in front of a
-//     negative one, so columns line up; a number that rounds to zero has a
-//     blank (-1e-9 gives " 0.000000", which reads back; "-0.000000" would be
-//     refused as a negative zero);
+//     negative one, so columns line up; a negative number that rounds to
+//     zero keeps its '-', as printf shows it (-0.004 at precision 2 is
+//     "-0.00", which reads back as zero);
 //   - ".0" appended when the text has no point;
 //   - TrimTrailingZeros removes zeros from the end down to one decimal:
 //     12.500000 -> 12.5, 3.000000 -> 3.0.
 //   Decimal DMS (13) and Decimal Gon (16) show the packed number itself,
-//   rounded to the precision (12.301550). With UseSecOnly the sexagesimal
-//   units (11, 12, 13) show the angle in arc seconds and the centesimal ones
-//   (14, 15, 16) in cc: 0° 30' is 1800.000000.
+//   rounded to the precision (12.301550), its digits made as the field
+//   text's are. With UseSecOnly the sexagesimal units (11, 12, 13) show the
+//   angle in arc seconds and the centesimal ones (14, 15, 16) in cc: 0° 30'
+//   is 1800.000000.
 //
-// Field text: DMS (12) and Gon (15) with seconds-only off. The angle is packed
-// at precision + 5 (minutes and seconds digits and a guard digit) and split
-// into fields with the seconds rounded to the precision (0 to 8 decimals;
-// more is the resolution of the packed form) and carried, so no field reaches
-// 60 (100). Layout, as masks 26128 to 26131 show it:
+// Field text: DMS (12) and Gon (15) with seconds-only off. The angle in
+// degrees (gon) is radians / factor as a double; the fields come from that
+// double's exact value, the seconds rounded once, half away from zero, at the
+// precision (0 to 15 decimals) and carried, so no field reaches 60 (100) and
+// every digit shown is the correctly rounded one at any magnitude (packing at
+// precision + 5 first and rounding the packed number again would round
+// twice). Layout, as masks 26128 to 26131 show it:
 //
 //   angle       "-000° 00' 00.00000\""   sign field ("-" or a blank), degrees in 3 places
 //   latitude    "00° 00' 00.00000\" N"   no sign field, degrees in 2 places, N or S
@@ -134,6 +137,10 @@ public:
 
 private:
     void SetCustomPieces(const char* dmsFormat, const char* gonFormat);
+    // The field text of DMS (base 60) and Gon (base 100); 0 when the whole
+    // units do not fit an int.
+    int FieldText(double value, int base, eNyrGeoKind kind, unsigned long flags, std::string& out) const;
+    void DecimalText(double value, long unit, eNyrGeoKind kind, unsigned long flags, std::string& out) const;
 
     std::string m_abbreviation;
     std::string m_customFormat;

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 
@@ -14,7 +15,9 @@ namespace {
 
 constexpr long long kPow10[] = {1LL,          10LL,          100LL,          1000LL,          10000LL,
                                 100000LL,     1000000LL,     10000000LL,     100000000LL,     1000000000LL,
-                                10000000000LL, 100000000000LL, 1000000000000LL};
+                                10000000000LL, 100000000000LL, 1000000000000LL, 10000000000000LL, 100000000000000LL,
+                                1000000000000000LL, 10000000000000000LL, 100000000000000000LL,
+                                1000000000000000000LL};
 constexpr int kPackedDecimals = 12;  // seconds to 8 decimals
 // A packed number keeps only the decimals it holds with room to spare: its
 // value times 10^decimals stays below 2^53 / 16, so the last decimal kept is
@@ -39,6 +42,43 @@ double Factor(int base)
 long long FullTurn(int base)
 {
     return base == 60 ? 360 : 400;
+}
+
+__extension__ typedef unsigned __int128 u128;  // GCC and Clang on 64-bit targets
+
+// round(x * scale), half away from zero, from the exact value of the double
+// x >= 0 (an integer times a power of two); false when the result reaches
+// 2^110.
+bool RoundedScaled(double x, uint64_t scale, u128& result)
+{
+    int exponent = 0;
+    const auto mantissa = static_cast<uint64_t>(std::ldexp(std::frexp(x, &exponent), 53));
+    const u128 product = static_cast<u128>(mantissa) * scale;  // x * scale = product 2^(exponent - 53)
+    const int shift = exponent - 53;
+    if (product == 0 || shift < -117) {
+        result = 0;  // below 2^117 2^-118: less than half a step
+    } else if (shift < 0) {
+        const int right = -shift;
+        result = (product >> right) + ((product >> (right - 1)) & 1);
+    } else {
+        if (shift >= 110 || product >> (110 - shift) != 0)
+            return false;
+        result = product << shift;
+    }
+    return true;
+}
+
+// Steps of the last decimal of a packed number per whole unit.
+uint64_t StepsPerUnit(int base, int decimals)
+{
+    const auto b = static_cast<uint64_t>(base);
+    switch (decimals) {
+    case 0: return 1;
+    case 1: return b / 10;  // tens of minutes (c)
+    case 2: return b;
+    case 3: return b * b / 10;  // tens of seconds (cc)
+    default: return b * b * static_cast<uint64_t>(kPow10[decimals - 4]);
+    }
 }
 
 }  // namespace
@@ -129,57 +169,77 @@ double PackedToRadians(double packed, int base)
     return f.negative ? -radians : radians;
 }
 
+uint64_t RoundedAngle::Minutes() const
+{
+    return fraction / kPow10[decimals - 2];
+}
+
+uint64_t RoundedAngle::Seconds() const
+{
+    return fraction % kPow10[decimals - 2];
+}
+
+uint64_t RoundedAngle::WholeSeconds() const
+{
+    return Seconds() / kPow10[decimals - 4];
+}
+
+uint64_t RoundedAngle::SecondDecimals() const
+{
+    return Seconds() % kPow10[decimals - 4];
+}
+
+bool RoundAngle(double radians, int base, int decimals, unsigned long flags, RoundedAngle& angle)
+{
+    if (!std::isfinite(radians) || decimals < 0 || decimals > kMaxRoundDecimals)
+        return false;
+    const uint64_t perUnit = StepsPerUnit(base, decimals);
+    u128 steps = 0;
+    if (!RoundedScaled(std::fabs(radians / Factor(base)), perUnit, steps))
+        return false;
+    bool negative = radians < 0;
+    if (flags & WB32_FLAG_ONE_TURN) {
+        const u128 turn = static_cast<u128>(FullTurn(base)) * perUnit;
+        steps %= turn;
+        if (negative && steps != 0)
+            steps = turn - steps;
+        negative = false;
+    }
+    const u128 whole = steps / perUnit;
+    if (whole >= (u128{1} << 53))
+        return false;
+    const auto rest = static_cast<uint64_t>(steps % perUnit);
+    angle.negative = negative;
+    angle.whole = static_cast<uint64_t>(whole);
+    angle.decimals = decimals;
+    if (decimals < 2) {
+        angle.fraction = rest;  // tens of minutes (c), or nothing
+    } else {
+        const uint64_t perMinute = perUnit / static_cast<uint64_t>(base);
+        angle.fraction = rest / perMinute * kPow10[decimals - 2] + rest % perMinute;
+    }
+    return true;
+}
+
 double RadiansToPacked(double radians, int base, int precision, unsigned long flags)
 {
     if (!std::isfinite(radians))
         return radians;
-    double units = radians / Factor(base);
-    const double turn = static_cast<double>(FullTurn(base));
-    if (flags & WB32_FLAG_ONE_TURN) {
-        units = std::fmod(units, turn);
-        if (units < 0)
-            units += turn;
-        if (units >= turn)  // a tiny negative angle plus a turn rounds to the turn itself
-            units = 0;
-    }
-    const bool negative = units < 0;
-    const double magnitude = std::fabs(units);
-    if (magnitude >= 1e15)
+    const double units = radians / Factor(base);
+    const bool oneTurn = (flags & WB32_FLAG_ONE_TURN) != 0;
+    if (!oneTurn && std::fabs(units) >= 1e15)
         return units;  // beyond a double's resolution of whole units: no fields to pack
-
-    const int p = DecimalsHeld(magnitude, precision);
-
-    const long long b = base;
-    long long whole;
-    long long minutes;
-    long long packed;  // the packed decimal times 10^p
-    if (p >= 4) {
-        const long long perSecond = kPow10[p - 4];
-        const long long n = std::llround(magnitude * static_cast<double>(b * b * perSecond));
-        const long long seconds = n % (b * perSecond);
-        const long long rest = n / (b * perSecond);
-        minutes = rest % b;
-        whole = rest / b;
-        if ((flags & WB32_FLAG_ONE_TURN) && whole >= FullTurn(base))
-            whole -= FullTurn(base);
-        packed = whole * kPow10[p] + minutes * kPow10[p - 2] + seconds;
-    } else {
-        // Steps of tens of minutes, minutes and tens of seconds, in seconds.
-        const long long step[] = {b * b, 10 * b, b, 10};
-        const long long total = std::llround(magnitude * static_cast<double>(b * b) / static_cast<double>(step[p])) *
-                                step[p];
-        const long long seconds = total % b;
-        minutes = total / b % b;
-        whole = total / (b * b);
-        if ((flags & WB32_FLAG_ONE_TURN) && whole >= FullTurn(base))
-            whole -= FullTurn(base);
-        const long long fieldDigits[] = {0, minutes / 10, minutes, minutes * 10 + seconds / 10};
-        packed = whole * kPow10[p] + fieldDigits[p];
-    }
-    if (packed == 0)
+    const double magnitude = std::fabs(units);
+    const int p = DecimalsHeld(oneTurn ? std::fmin(magnitude, static_cast<double>(FullTurn(base))) : magnitude,
+                               precision);
+    RoundedAngle angle;
+    if (!RoundAngle(radians, base, p, flags, angle))
+        return units;  // a turn reduced from beyond 10^20 units: nothing left to resolve
+    if (angle.IsZero())
         return 0.0;
-    const double value = static_cast<double>(packed) / static_cast<double>(kPow10[p]);
-    return negative ? -value : value;
+    // Below 2^53 (DecimalsHeld): one correctly rounded division.
+    const double value = static_cast<double>(angle.whole * kPow10[p] + angle.fraction) / static_cast<double>(kPow10[p]);
+    return angle.negative ? -value : value;
 }
 
 namespace {

@@ -1,6 +1,9 @@
+#include <locale.h>
+#include <stdlib.h>
+
 #include <charconv>
 #include <cmath>
-#include <limits>
+#include <cstring>
 
 #include "nyr/values/text_number_p.h"
 
@@ -9,6 +12,11 @@ namespace nyr::values {
 namespace {
 
 constexpr int kMaxDecimals = 30;
+
+bool IsWhiteSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 }  // namespace
 
@@ -27,48 +35,45 @@ void AppendFixed(std::string& out, double number, int decimals)
 
 void AppendDecimalText(std::string& out, double number, int precision, bool trimTrailingZeros)
 {
-    const std::size_t start = out.size();
     AppendFixed(out, number, precision <= 0 ? 6 : precision);
-    // A number that rounds to zero shows no sign: "-0.000000" would read back
-    // as a negative zero, which the readers refuse.
-    if (out[start] == '-' && out.find_first_of("123456789", start) == std::string::npos)
-        out[start] = ' ';
-    const std::size_t point = out.find('.', start);
+    const std::size_t point = out.rfind('.');
     if (point == std::string::npos) {
         out += ".0";
         return;
     }
-    if (trimTrailingZeros) {
-        std::size_t end = out.size();
-        while (end > point + 2 && out[end - 1] == '0')
-            --end;
-        out.resize(end);
-    }
+    if (trimTrailingZeros)
+        DropTrailingZeros(out, point);
+}
+
+void DropTrailingZeros(std::string& out, std::size_t point)
+{
+    std::size_t end = out.size();
+    while (end > point + 2 && out[end - 1] == '0')
+        --end;
+    out.resize(end);
 }
 
 std::size_t ReadNumber(const char* text, double& value)
 {
-    const char* p = text;
-    while (*p == ' ' || (*p >= '\t' && *p <= '\r'))
-        ++p;
-    bool negative = false;
-    if (*p == '+' || *p == '-') {
-        negative = *p == '-';
-        ++p;
-        if (*p == '+' || *p == '-')  // from_chars would take a second '-'; strtod does not
-            return 0;
-    }
-    const char* end = p;
-    while (*end != '\0')
-        ++end;
-    double magnitude = 0;
-    const auto result = std::from_chars(p, end, magnitude, std::chars_format::general);
-    if (result.ptr == p)
+    // strtod follows LC_NUMERIC, which the host may have set to a locale
+    // with a decimal comma; this reading does not.
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", locale_t{});
+    char* end = nullptr;
+    const double number = strtod_l(text, &end, c);
+    if (end == text)
         return 0;
-    if (result.ec == std::errc::result_out_of_range)
-        magnitude = std::numeric_limits<double>::quiet_NaN();
-    value = negative ? -magnitude : magnitude;
-    return static_cast<std::size_t>(result.ptr - text);
+    value = number;
+    return static_cast<std::size_t>(end - text);
+}
+
+std::string_view TrimWhiteSpace(const char* text)
+{
+    while (IsWhiteSpace(*text))
+        ++text;
+    std::size_t length = std::strlen(text);
+    while (length > 0 && IsWhiteSpace(text[length - 1]))
+        --length;
+    return {text, length};
 }
 
 std::string ShortestText(double number)

@@ -114,7 +114,7 @@ int CNyrValue::ConvertToStd(const char* text, long unit)
         return Fail(NYR_VALUE_WRONG_UNIT);
     if (!text)
         return Fail(NYR_VALUE_UNREADABLE);
-    if (strnlen(text, kMaxTextLength + 1) > kMaxTextLength)
+    if (TrimWhiteSpace(text).size() > kMaxTextLength)
         return Fail(NYR_VALUE_TOO_LONG);
     const bool secondsOnly =
         m_settings->Format().UseSecOnly() && unit >= NYR_UNIT_DEGREE && unit <= NYR_UNIT_DECIMAL_GON;
@@ -167,9 +167,7 @@ int CNyrValue::StringToNumber(const char* text, double& out, long) const
         return NYR_VALUE_UNREADABLE;
     if (!std::isfinite(number))
         return NYR_VALUE_OUT_OF_RANGE;
-    if (number == 0 && std::signbit(number))
-        return NYR_VALUE_NEGATIVE_ZERO;
-    out = number;
+    out = number + 0.0;  // "-0" and "-1e-400" are zero
     return NYR_VALUE_OK;
 }
 

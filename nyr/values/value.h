@@ -16,7 +16,7 @@ enum eNyrValueStatus
     NYR_VALUE_UNREADABLE = 2,     // text without a number, or with more than can be read
     NYR_VALUE_OUT_OF_RANGE = 3,   // not finite, beyond the magnitude limit, a field beyond its limit,
                                   // a latitude beyond 90°
-    NYR_VALUE_NEGATIVE_ZERO = 4,  // -0: a sign without a magnitude
+    NYR_VALUE_NEGATIVE_ZERO = 4,  // no longer set: "-0" reads as zero, as strtod reads it
     NYR_VALUE_TOO_LONG = 5,       // text longer than kMaxTextLength
     NYR_VALUE_WRONG_KIND = 6,     // assigned from a value of another kind
 };
@@ -27,11 +27,11 @@ enum eNyrValueStatus
 //
 // Every way of setting a value checks it first. A value that is not finite,
 // beyond the kind's magnitude limit (angles 1e7 rad, about 1.6 million turns,
-// so whole degrees and gon fit their fields; distances 1e12 m), a negative
-// zero typed as text ("-0", "-0.0": the sign says something the magnitude
-// does not, usually a lost digit), a text that cannot be read, a text longer than
-// kMaxTextLength or a unit that is not of the value's kind leaves the stored
-// value unchanged and sets a status (eNyrValueStatus). A failure stays in the
+// so whole degrees and gon fit their fields; distances 1e12 m), a text that
+// cannot be read, a text longer than kMaxTextLength (white space around it
+// not counted) or a unit that is not of the value's kind leaves the stored
+// value unchanged and sets a status (eNyrValueStatus). Zero is stored
+// without a sign: "-0" and "-1e-400" read as zero. A failure stays in the
 // status until Status() reads it; later successes do not clear it.
 //
 // Copying copies the number, the settings followed and the status.
@@ -98,8 +98,10 @@ public:
     virtual void StdFormat(std::string& out) const = 0;
 
     // Reads a number in `unit` from text (packed for DMS and Gon); returns
-    // the status (0: read). Here: one decimal number, as strtod reads it,
-    // text after it ignored ("12.5 m" is 12.5; "m 12.5" cannot be read).
+    // the status (0: read). Here: one number as strtod reads it in the C
+    // locale, hexadecimal included ("0x10" is 16), text after it ignored
+    // ("12.5 m" is 12.5; "m 12.5" cannot be read); an underflow is zero, an
+    // overflow out of range.
     virtual int StringToNumber(const char* text, double& out, long unit) const;
 
     // The standard unit of the kind: 18 (radians) or 21 (metres).

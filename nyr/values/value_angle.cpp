@@ -38,42 +38,41 @@ bool IsDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// One field of the cleaned text: [-]digits for the whole units and minutes,
-// [-]digits[.digits] (or [-].digits) for the seconds; blanks may follow the '-'.
+// One conversion of "%d%d%f" on the cleaned text: whole units and minutes
+// as "%d" reads them ([-]digits), seconds as "%f" reads them ([-]digits with
+// an optional point, at least one digit). Two differences from sscanf, both
+// so that the library's own texts read back: blanks may stand between the
+// '-' and its digits (the sign field of "-  5 30 00.00000"), and the '-' of
+// a zero field counts ("-0 30" is negative, as a custom format writes it).
 struct Field
 {
     bool negative = false;
     double value = 0;
 };
 
-int ReadField(const char*& p, bool decimal, Field& field)
+// Reads one field at `p`; false (a matching failure, where sscanf stops)
+// when there are no digits.
+bool ReadField(const char*& p, bool decimal, Field& field)
 {
-    field.negative = *p == '-';
-    if (field.negative) {
-        ++p;
-        while (*p == ' ')  // the sign field of the text forms stands apart: "-  5 30 00.00000"
-            ++p;
-    }
-    const char* const start = p;
-    while (IsDigit(*p))
-        ++p;
-    if (decimal && *p == '.') {
-        ++p;
-        while (IsDigit(*p))
-            ++p;
-    }
-    if (p == start || (p == start + 1 && *start == '.'))
-        return NYR_VALUE_UNREADABLE;
-    if (*p != ' ' && *p != '\0')  // "12.5", "12 30.5", "12-30": a field ends inside the text
-        return NYR_VALUE_UNREADABLE;
-    std::from_chars(start, p, field.value, std::chars_format::fixed);
-    return NYR_VALUE_OK;
-}
-
-void SkipBlanks(const char*& p)
-{
-    while (*p == ' ')
-        ++p;
+    const char* q = p;
+    while (*q == ' ')
+        ++q;
+    const bool negative = *q == '-';
+    if (negative)
+        while (*++q == ' ') {
+        }
+    const char* const start = q;
+    while (IsDigit(*q))
+        ++q;
+    if (decimal && *q == '.')
+        while (IsDigit(*++q)) {
+        }
+    if (q == start || (q == start + 1 && *start == '.'))
+        return false;
+    field.negative = negative;
+    std::from_chars(start, q, field.value, std::chars_format::fixed);
+    p = q;
+    return true;
 }
 
 }  // namespace
@@ -101,9 +100,11 @@ int CNyrValueAngle::StringToNumber(const char* text, double& out, long unit) con
 {
     if (!text)
         return NYR_VALUE_UNREADABLE;
-    const std::size_t length = strnlen(text, kMaxTextLength + 1);
-    if (length > kMaxTextLength)
+    const std::string_view trimmed = TrimWhiteSpace(text);
+    if (trimmed.size() > kMaxTextLength)
         return NYR_VALUE_TOO_LONG;
+    const std::size_t length = trimmed.size();
+    text = trimmed.data();
     const Hemispheres& letters = SouthWest();
     const bool southOrWest = (letters.south && std::memchr(text, letters.south, length)) ||
                              (letters.west && std::memchr(text, letters.west, length));
@@ -125,25 +126,21 @@ int CNyrValueAngle::StringToNumber(const char* text, double& out, long unit) con
     }
     cleaned[length] = '\0';
 
-    const int base = unit == NYR_UNIT_DMS ? 60 : 100;
+    // "%d%d%f": the fields up to the first that cannot be read; missing
+    // fields are 0, what follows the third is not read.
     Field fields[3];
     const char* p = cleaned;
-    SkipBlanks(p);
-    if (*p == '\0')
-        return NYR_VALUE_UNREADABLE;
-    for (int i = 0; i < 3 && *p != '\0'; ++i) {
-        if (const int status = ReadField(p, i == 2, fields[i]))
-            return status;
-        SkipBlanks(p);
-    }
-    if (*p != '\0')
-        return NYR_VALUE_UNREADABLE;  // a fourth field
-    if (fields[0].value > INT_MAX || fields[1].value >= base || fields[2].value >= base)
+    int read = 0;
+    while (read < 3 && ReadField(p, read == 2, fields[read]))
+        ++read;
+    if (read == 0)
+        return NYR_VALUE_UNREADABLE;  // stricter than sscanf, which gives 0
+    // Fields beyond their limit carry (12 60 00 is 13 00 00); whole units
+    // and minutes must fit an int, seconds the packed form.
+    if (fields[0].value > INT_MAX || fields[1].value > INT_MAX || !(fields[2].value < 1e9))
         return NYR_VALUE_OUT_OF_RANGE;
 
     const bool negative = fields[0].negative || fields[1].negative || fields[2].negative;
-    if (negative && fields[0].value == 0 && fields[1].value == 0 && fields[2].value == 0)
-        return NYR_VALUE_NEGATIVE_ZERO;
     const int whole = static_cast<int>(fields[0].value);
     const int minutes = static_cast<int>(fields[1].value);
     const double packed = unit == NYR_UNIT_DMS

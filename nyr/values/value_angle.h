@@ -12,25 +12,33 @@
 // Reading text (StringToNumber):
 //  - a hemisphere letter anywhere in the text, the first character of text
 //    26011 ("S") or 26013 ("W") as loaded once per process, exact case,
-//    makes the angle negative; it
-//    multiplies whatever sign the number has, so "-12 S" is positive
-//    (intended, the two cancel);
-//  - Degree, Decimal DMS, Grad, Decimal Gon, Revolution, Radians: one decimal
-//    number as strtod reads it, text after it ignored ("12.5°" is 12.5);
+//    makes the angle negative; it multiplies whatever sign the number has,
+//    so "-12 S" is positive (intended, the two cancel);
+//  - Degree, Decimal DMS, Grad, Decimal Gon, Revolution, Radians: one number
+//    as strtod reads it, text after it ignored ("12.5°" is 12.5);
 //  - DMS and Gon: every character other than digits, '-' and '.' separates
-//    fields (symbols, letters, blanks), then up to three fields are read:
-//    whole degrees (gon), whole minutes (c), decimal seconds (cc); missing
-//    fields are 0: "12", "12 30", "12°30'15.5\"", "12g 34c 56.5cc". The
-//    angle is negative when any field is written with '-', so "-12 30 15",
-//    "12 -30 15" and "-0 30 00" are all negative; blanks may stand between
-//    the '-' and its field, as in the texts this library writes
-//    ("-  5 30 00.00000"). Refused: text without a
-//    field, minutes (c) above 59 (99), seconds (cc) of 60 (100) or more, and
-//    text that the three fields do not account for: a fourth field, "12.5"
-//    (a decimal point in the degrees) and fields not separated, as in
-//    "12 30.5" or "12-30" (a field reader that stops inside a field would
-//    quietly take ".5" for the seconds and "-30" for negative minutes).
-// Text is read whole or not at all.
+//    fields (symbols, letters, blanks), then the fields are read as
+//    sscanf's "%d%d%f" reads them: whole degrees (gon), whole minutes (c),
+//    decimal seconds (cc), up to the first that cannot be read; missing
+//    fields are 0 and what follows the third is not read. So "12°30'15.5""
+//    is 12° 30' 15.5", "12.5" is 12° ("%d" stops at the point), "12 30.5" is
+//    12° 30' 0.5", "12-30" is -(12° 30'), "12 30 15 4" is 12° 30' 15".
+//    Minutes and seconds of 60 (100) or more carry: "12 60 00" is 13°. The
+//    angle is negative when any field is read with '-': "-12 30 15" and
+//    "12 -30 15" alike.
+//    Where it departs from "%d%d%f", deliberately:
+//    - so that the library's own texts read back: blanks may stand between
+//      a '-' and its digits (the sign field of "-  5 30 00.00000", where
+//      "%d" would stop), and the '-' of a zero field counts ("-0 30 00" is
+//      negative, as a custom format writes 0° 30' below zero; "%d" reads
+//      -0 as 0);
+//    - stricter: a text in which not even the first field can be read is
+//      refused (sscanf leaves every field 0, which would set a zero angle),
+//      whole units or minutes beyond the range of int and seconds of 1e9 or
+//      more are out of range (sscanf's result is undefined there).
+//  - for every unit, white space around the text does not count toward
+//    kMaxTextLength, and a negative zero reads as zero.
+// A text that is refused leaves the value as it was.
 class NYR_EXPORT CNyrValueAngle : public CNyrValue
 {
 public:

@@ -27,8 +27,8 @@ TEST(CliValues, AngleAndDistanceCommands)
         {{"angle", "parse", "12\u00b030'15.5\" S", "--unit", "dms"}, 0, "-0.2182413026198632\n"},
         {{"angle", "parse", "100", "--unit", "14"}, 0, "1.5707963267948968\n"},
         {{"angle", "parse", "95", "--unit", "dec", "--lat"}, 1, ""},
-        {{"angle", "parse", "12 30.5", "--unit", "dms"}, 1, ""},
-        {{"angle", "parse", "-0", "--unit", "dec"}, 1, ""},
+        {{"angle", "parse", "12 30.5", "--unit", "dms"}, 0, "0.21816858056769675\n"},  // 12° 30' 0.5"
+        {{"angle", "parse", "--unit", "dec", "--", "-0"}, 0, "0\n"},
         {{"angle", "format", "1e308", "--unit", "dec"}, 1, ""},
         {{"angle", "convert", "inf", "--from", "dec", "--to", "rad"}, 1, ""},
         {{"distance", "convert", "1", "--from", "fts", "--to", "m"}, 0, "0.3048006096012192\n"},

@@ -180,28 +180,29 @@ TEST_F(LeapSecondsTest, ImportsTheSystemListOnce)
     EXPECT_DOUBLE_EQ(H::GetLeapSeconds(kMjd2017), 18 / 86400.0);  // persisted
 }
 
-TEST_F(LeapSecondsTest, ImportChecksEveryLineAndReportsExpiry)
+// Lists of the tzdata format. Their "#h" lines were computed with Python's
+// hashlib: SHA-1 over the digits of "#$", "#@" and each row's two numbers.
+const std::string kUpdated = "#$\t3960835200\n";
+const std::string kRows =
+    "3345062400\t33\t# 1 Jan 2006\n"  // covered by the built-in rows
+    "3439756800\t34\t# 1 Jan 2009\n"
+    "3550089600\t35\t# 1 Jul 2012\n"
+    "3644697600\t36\t# 1 Jul 2015\n"
+    "3692217600\t37\t# 1 Jan 2017\n";
+const std::string kList = kUpdated + "#@\t5000000000\n" + kRows + "#h\t5a72dfd7 9a03f2d4 4696b531 201da6e2 ae4eea58\n";
+
+TEST_F(LeapSecondsTest, ImportTakesAWholeListWithItsHash)
 {
-    const std::string rows2009 =
-        "2272060800\t10\t# 1 Jan 1972\n"   // before GPS: skipped
-        "2524521600\t19\t# 1 Jan 1980\n"
-        "3439756800\t34\t# 1 Jan 2009\n";
     const struct
     {
         std::string content;
-        int result;
         bool expired;
     } cases[] = {
-        {"#@\t3000000000\n" + rows2009, 1, true},               // expired in 1995
-        {"#@ 5000000000\n#h  1 2 3 4 5\n" + rows2009, 1, false},
-        {rows2009 + "\r\n", 1, false},                          // no expiry line
-        {rows2009 + "3439756800 x\n", -1, false},                // malformed data line: nothing added
-        {rows2009 + "3439756801\t35\n", -1, false},              // not a whole day
-        {rows2009 + "3439756800\t35 trailing\n", -1, false},
-        {"#@ soon\n" + rows2009, -1, false},
-        {"# only comments\n", -1, false},
-        {"", -1, false},
-        {"99999999999999999999999999 35\n", -1, false},
+        {kList, false},
+        {kUpdated + "#@\t3000000000\n" + kRows + "#h\ta4895d47 66059084 73763d64 a6d00971 e237a788\n", true},
+        // Words of the hash without their leading zeros, CR LF line ends.
+        {"#$ 3960835201\r\n#@ 5000000000\r\n" + kRows + "#h 12b26b75 b55a3f9 13a4cb55 ab0090b b6eaefd3\r\n", false},
+        {"# comment\n" + kList + "\n#\n", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.content);
@@ -209,12 +210,84 @@ TEST_F(LeapSecondsTest, ImportChecksEveryLineAndReportsExpiry)
         const std::string list = m_dir.File("leap-seconds.list");
         WriteFile(list, c.content);
         bool expired = !c.expired;
-        EXPECT_EQ(H::ImportLeapSecondsList(list, &expired), c.result);
+        std::string problem = "untouched";
+        EXPECT_EQ(H::ImportLeapSecondsList(list, &expired, &problem), 4);
         EXPECT_EQ(expired, c.expired);
-        EXPECT_DOUBLE_EQ(H::GetLeapSeconds(kMjd2009), (c.result == 1 ? 15 : 14) / 86400.0);
+        EXPECT_EQ(problem, "untouched");
+        H::LoadLeapSeconds();  // what was stored
+        EXPECT_DOUBLE_EQ(H::GetLeapSeconds(kMjd2009), 15 / 86400.0);
+        EXPECT_DOUBLE_EQ(H::GetLeapSeconds(kMjd2017), 18 / 86400.0);
     }
-    EXPECT_EQ(H::ImportLeapSecondsList(m_dir.File("missing.list")), -1);
-    EXPECT_EQ(H::ImportLeapSecondsList(m_dir.Path()), -1);
+}
+
+// Regression: a list cut off inside its last line was taken without its
+// last row ("added 3 rows"); a list is now refused whole when its hash is
+// missing or wrong or its rows do not rise by one second each.
+TEST_F(LeapSecondsTest, ImportRefusesADamagedListWholeAndSaysWhy)
+{
+    const std::string list = m_dir.File("leap-seconds.list");
+    const std::string head = kUpdated + "#@\t5000000000\n";
+    const struct
+    {
+        std::string content;  // "" with `path` set: that path
+        std::string problem;
+    } cases[] = {
+        {kList.substr(0, kList.find("7\t# 1 Jan 2017")), "has no hash line (#h): it may be cut off"},
+        {kList.substr(0, kList.find("37\t# 1 Jan 2017")), "Line 7 of the leap-second list " + list + " cannot be read."},
+        {kList.substr(0, kList.find("#h")), "has no hash line"},
+        {"", "has no hash line"},
+        {head + kRows.substr(0, kRows.find("3550089600")) + kRows.substr(kRows.find("3644697600")) +
+             "#h\t5a72dfd7 9a03f2d4 4696b531 201da6e2 ae4eea58\n",
+         "does not match its data"},
+        {head + kRows + "#h\t5a72dfd7 9a03f2d4 4696b531 201da6e2 ae4eea59\n", "does not match its data"},
+        {head + kRows.substr(0, kRows.find("3692217600")) + "3692217600\t38\n" +
+             "#h\t1b7bfc48 eff58ba7 f67def9a 108b16e0 966feee0\n",
+         "Line 7 of the leap-second list " + list + " does not follow the row before it by one second."},
+        {head + "3345062400\t33\n3550089600\t34\n3439756800\t35\n#h\taca31d97 0a743682 adc20229 e1d886d0 265aa869\n",
+         "Line 5 of the leap-second list " + list + " does not follow"},
+        {head + "#h\tfc011c97 a4aa5e1e dec6a0c4 76938039 b55f9124\n", "holds no leap seconds"},
+        {head + "3439756800 x\n" + kRows, "Line 3 of the leap-second list " + list + " cannot be read."},
+        {head + "3439756801\t34\n", "Line 3 of"},  // not the start of a day
+        {kUpdated + "#@ soon\n" + kRows, "Line 2 of"},
+        {head + kRows + "#h\t5a72dfd7 9a03f2d4 4696b531 201da6e2\n", "Line 8 of"},
+        {head + kRows + "#h\t5a72dfd7 9a03f2d4 4696b531 201da6e2 ae4eea58 1\n", "Line 8 of"},
+        {"99999999999999999999999999 35\n", "Line 1 of"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.content);
+        Use("");
+        WriteFile(list, c.content);
+        bool expired = true;
+        std::string problem;
+        EXPECT_EQ(H::ImportLeapSecondsList(list, &expired, &problem), -1);
+        EXPECT_NE(problem.find(c.problem), std::string::npos) << problem;
+        EXPECT_NE(problem.find(list), std::string::npos) << problem;
+        EXPECT_FALSE(expired);
+        EXPECT_DOUBLE_EQ(H::GetLeapSeconds(kMjd2017), 14 / 86400.0);
+        EXPECT_EQ(ReadFile(m_file).find("KnownLeapSeconds"), std::string::npos);  // nothing stored
+    }
+    std::string problem;
+    EXPECT_EQ(H::ImportLeapSecondsList(m_dir.File("missing.list"), nullptr, &problem), -1);
+    EXPECT_EQ(problem, "The leap-second list cannot be read: " + m_dir.File("missing.list") +
+                           ": No such file or directory");
+    EXPECT_EQ(H::ImportLeapSecondsList(m_dir.Path(), nullptr, &problem), -1);
+    EXPECT_NE(problem.find("not a regular file"), std::string::npos) << problem;
+}
+
+// Regression: when the settings file could not be written, the import
+// still answered with the rows it had added (and kept them in memory).
+TEST_F(LeapSecondsTest, ImportFailsWithTheSystemsTextWhenTheSettingsCannotBeWritten)
+{
+    const std::string list = m_dir.File("leap-seconds.list");
+    WriteFile(list, kList);
+    WriteFile(m_dir.File("file"), "");
+    const std::string settings = m_dir.File("file") + "/Nyr240.INI";  // a folder that is a file: even root fails
+    NyrSetProfilePath(settings);
+    H::LoadLeapSeconds();
+    std::string problem;
+    EXPECT_EQ(H::ImportLeapSecondsList(list, nullptr, &problem), -1);
+    EXPECT_EQ(problem, "The leap-second table cannot be written to the settings file " + settings + ": Not a directory");
+    EXPECT_DOUBLE_EQ(H::GetLeapSeconds(kMjd2017), 14 / 86400.0);  // nothing taken either
 }
 
 }  // namespace

@@ -95,7 +95,9 @@ TEST(Format, DecimalTexts)
         {-3, 21, 21, 6, kTrimTrailing, ANGLE, "-3.0"},
         {12.5, 21, 21, 0, 0, ANGLE, " 12.500000"},  // precision 0 gives six decimals
         {100, 21, 21, 2, kTrimTrailing, ANGLE, " 100.0"},
-        {-4e-7, 21, 21, 6, 0, ANGLE, " 0.000000"},  // rounds to zero: no sign
+        {-4e-7, 21, 21, 6, 0, ANGLE, "-0.000000"},  // rounds to zero: printf keeps the sign
+        {-0.004, 21, 21, 2, kTrimTrailing, ANGLE, "-0.0"},
+        {-1e-12, DEG, NYR_UNIT_DECIMAL_DMS, 4, 0, ANGLE, "-0.0000"},
         {-6e-7, 21, 21, 6, 0, ANGLE, "-0.000001"},
         {1, 21, NYR_UNIT_US_SURVEY_FEET, 4, 0, ANGLE, " 3.2808"},
         {12.301550, DMS, NYR_UNIT_DECIMAL_DMS, 6, 0, ANGLE, " 12.301550"},  // the packed number

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "nyr/values/packed_angle.h"
 #include "nyr/values/unit_settings.h"
@@ -21,22 +22,44 @@ constexpr long M = NYR_UNIT_METRES;
 constexpr int OK = NYR_VALUE_OK;
 constexpr int UNREADABLE = NYR_VALUE_UNREADABLE;
 constexpr int RANGE = NYR_VALUE_OUT_OF_RANGE;
-constexpr int NEGZERO = NYR_VALUE_NEGATIVE_ZERO;
+constexpr int TOO_LONG = NYR_VALUE_TOO_LONG;
 
 double Degrees(double degrees)
 {
     return degrees * kPi / 180;
 }
 
+struct ReadCase
+{
+    std::string text;
+    long unit;
+    int status;
+    double inUnit;  // read back in `unit` when the status is 0
+};
+
+// Reads each text into a value of its unit's kind that held kUntouched.
+void CheckReads(const std::vector<ReadCase>& cases)
+{
+    CNyrUnitSettingsAngle angles;
+    CNyrUnitSettingsDistance distances;
+    CNyrValueAngle angle(0.0, angles);
+    CNyrValueDistance distance(0.0, distances);
+    for (const auto& c : cases) {
+        CNyrValue& value = c.unit < 20 ? static_cast<CNyrValue&>(angle) : distance;
+        value.SetDouble(kUntouched);
+        EXPECT_EQ(value.ConvertToStd(c.text.c_str(), c.unit), c.status) << '"' << c.text << '"';
+        EXPECT_EQ(value.Status(), c.status) << '"' << c.text << '"';
+        double out = kUntouched;
+        if (c.status == OK)
+            value.ConvertStdTo(out, c.unit);
+        EXPECT_DOUBLE_EQ(out, c.status == OK ? c.inUnit : kUntouched) << '"' << c.text << '"';
+        EXPECT_FALSE(value.GetDouble() == 0 && std::signbit(value.GetDouble())) << '"' << c.text << '"';
+    }
+}
+
 TEST(Value, ReadsTextOrRefusesItWhole)
 {
-    const struct
-    {
-        const char* text;
-        long unit;
-        int status;
-        double inUnit;  // read back in `unit` when the status is 0
-    } cases[] = {
+    CheckReads({
         {"12 30 15.5", DMS, OK, 12.30155}, {"12\u00b030'15.5\"", DMS, OK, 12.30155}, {"12", DMS, OK, 12.0},
         // A minus in any field makes the angle negative, also on a zero field
         // and apart from its field as the written texts have it.
@@ -47,35 +70,62 @@ TEST(Value, ReadsTextOrRefusesItWhole)
         {"12.5\u00b0 trailing text", DEG, OK, 12.5}, {"  -1.25e1 S", DEG, OK, 12.5}, {"0 S", DEG, OK, 0.0},
         {"12.301550", NYR_UNIT_DECIMAL_DMS, OK, 12.30155},
         {"", DMS, UNREADABLE, 0}, {"\u00b0'\"", DMS, UNREADABLE, 0}, {"#12", DEG, UNREADABLE, 0},
-        {"--12", DEG, UNREADABLE, 0}, {"12 30 15 4", DMS, UNREADABLE, 0}, {"12 30 -", GON, UNREADABLE, 0},
-        // A point in the degrees or minutes, fields not separated.
-        {"12.5", DMS, UNREADABLE, 0}, {"12 30.5", DMS, UNREADABLE, 0}, {"12-30", DMS, UNREADABLE, 0},
-        {"12 60", DMS, RANGE, 0}, {"12 30 60", DMS, RANGE, 0}, {"12 100", GON, RANGE, 0},
-        {"99999999999", DMS, RANGE, 0}, {"1e308", DEG, RANGE, 0}, {"1e400", DEG, RANGE, 0},
-        {"nan", DEG, RANGE, 0}, {"-infinity", RAD, RANGE, 0}, {"-0", DEG, NEGZERO, 0}, {"-0 00 00", DMS, NEGZERO, 0},
+        {"--12", DEG, UNREADABLE, 0}, {"99999999999", DMS, RANGE, 0}, {"1e308", DEG, RANGE, 0},
+        {"1e400", DEG, RANGE, 0}, {"nan", DEG, RANGE, 0}, {"-infinity", RAD, RANGE, 0},
         {"12.5 m", M, OK, 12.5}, {"12 S", M, OK, 12.0} /* no hemispheres */, {"1", NYR_UNIT_US_SURVEY_FEET, OK, 1.0},
-        {"m 12", M, UNREADABLE, 0}, {"-0.0", M, NEGZERO, 0}, {"1e13", M, RANGE, 0},
-    };
+        {"m 12", M, UNREADABLE, 0}, {"1e13", M, RANGE, 0},
+    });
     CNyrUnitSettingsAngle angles;
     CNyrUnitSettingsDistance distances;
-    CNyrValueAngle angle(0.0, angles);
+    CNyrValueAngle angle(kUntouched, angles);
     CNyrValueDistance distance(0.0, distances);
-    for (const auto& c : cases) {
-        CNyrValue& value = c.unit < 20 ? static_cast<CNyrValue&>(angle) : distance;
-        value.SetDouble(kUntouched);
-        EXPECT_EQ(value.ConvertToStd(c.text, c.unit), c.status) << '"' << c.text << '"';
-        EXPECT_EQ(value.Status(), c.status) << '"' << c.text << '"';
-        double out = kUntouched;
-        if (c.status == OK)
-            value.ConvertStdTo(out, c.unit);
-        EXPECT_DOUBLE_EQ(out, c.status == OK ? c.inUnit : kUntouched) << '"' << c.text << '"';
-        EXPECT_FALSE(std::signbit(value.GetDouble()) && value.GetDouble() == 0) << '"' << c.text << '"';
-    }
-    EXPECT_EQ(angle.ConvertToStd(std::string(300, '1').c_str(), DEG), NYR_VALUE_TOO_LONG);
+    EXPECT_EQ(angle.ConvertToStd(std::string(300, '1').c_str(), DEG), TOO_LONG);
     EXPECT_EQ(angle.ConvertToStd(nullptr, DMS), UNREADABLE);
     EXPECT_EQ(angle.ConvertToStd("12", M), NYR_VALUE_WRONG_UNIT);
     EXPECT_EQ(distance.ConvertToStd(1.0, DMS), NYR_VALUE_WRONG_UNIT);
     EXPECT_EQ(angle.GetDouble(), kUntouched);
+}
+
+// Regression: "-0" was refused as a negative zero, "0x10" read as 0, an
+// underflow such as 1e-400 was refused, and blanks after a number counted
+// toward the length limit.
+TEST(Value, DecimalTextReadsAsStrtodReadsIt)
+{
+    const std::string blanks(300, ' ');
+    CheckReads({
+        {"-0", DEG, OK, 0.0}, {"-0.0", M, OK, 0.0}, {"-0 S", DEG, OK, 0.0}, {"0x10", DEG, OK, 16.0},
+        {"-0X1p-2", M, OK, -0.25}, {"0x", M, OK, 0.0}, {"1e-400", DEG, OK, 0.0}, {"-1e-400", M, OK, 0.0},
+        {"12.5" + blanks, M, OK, 12.5}, {blanks + "12.5\t\r\n", DEG, OK, 12.5}, {"12.5 m" + blanks, M, OK, 12.5},
+        {blanks + "12 30 15.5" + blanks, DMS, OK, 12.30155},
+        // Text that is not white space still counts.
+        {"12.5 " + std::string(260, 'm'), M, TOO_LONG, 0}, {blanks + "x", DEG, UNREADABLE, 0},
+    });
+}
+
+// Regression: the field reader refused texts that "%d%d%f" reads: a point in
+// the degrees or minutes, fields not separated by blanks, minutes or seconds
+// of 60 and more, a text after the third field.
+TEST(Value, FieldTextReadsAsScanfReadsItAndItsOwnTextsBack)
+{
+    CheckReads({
+        // "%d" stops at the point; "%f" takes what is left.
+        {"12.5", DMS, OK, 12.0}, {"12 30.5", DMS, OK, 12.30005}, {"12.5.5", GON, OK, 12.0},
+        // Fields beyond their limits carry.
+        {"12 60 00", DMS, OK, 13.0}, {"12 30 60", DMS, OK, 12.31}, {"12 100", GON, OK, 13.0},
+        {"0 0 7200.5", DMS, OK, 2.00005},
+        // A field that cannot be read ends the reading; what follows is ignored.
+        {"12 30 15 4", DMS, OK, 12.3015}, {"12 30 -", GON, OK, 12.30}, {"12 30 . 5", DMS, OK, 12.30},
+        {"12-30", DMS, OK, -12.30}, {"12 -30 -", DMS, OK, -12.30},
+        // A negative zero is zero.
+        {"-0 00 00", DMS, OK, 0.0}, {"-0", GON, OK, 0.0}, {"0 0 -0.0", DMS, OK, 0.0},
+        // The library's own forms: the sign field apart, a '-' on a zero field.
+        {"- 12 30 15.50000", DMS, OK, -12.30155}, {"-  0 30 00.00000", DMS, OK, -0.3}, {"-0 30", DMS, OK, -0.3},
+        {"-12g 34c 56.78000cc", GON, OK, -12.345678},
+        // Stricter than "%d%d%f", which would give zero or an undefined int.
+        {"", DMS, UNREADABLE, 0}, {"m", DMS, UNREADABLE, 0}, {".5 30", DMS, UNREADABLE, 0},
+        {"- 5", GON, OK, -5.0}, {"-", DMS, UNREADABLE, 0}, {"3000000000", DMS, RANGE, 0},
+        {"1 3000000000", DMS, RANGE, 0}, {"0 0 1000000000", DMS, RANGE, 0},
+    });
 }
 
 TEST(Value, NumbersThatAreRefusedLeaveTheValue)
