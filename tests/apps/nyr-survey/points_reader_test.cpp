@@ -78,7 +78,7 @@ TEST_F(PointsReader, BadInputGivesAClearErrorAndLosesNothing)
         {"UTF-16 surrogate", header + "\xED\xA0\x80,x,1,2\n", "Line 2: the text is not valid UTF-8."},
         {"UTF-8 cut at the end", header + "A,x,1,2\xE2\x82", "Line 2: the text is not valid UTF-8."},
         {"latitude beyond the pole", "Point,Latitude,Longitude\nA,91,8\n", "\"91\" is out of range."},
-        {"minutes beyond 59", "Point,Latitude,Longitude\nA,49 61 00,8\n", "\"49 61 00\" is out of range."},
+        {"DMS beyond the pole", "Point,Latitude,Longitude\nA,89 60 01,8\n", "\"89 60 01\" is out of range."},
         {"not an angle", "Point,Latitude,Longitude\nA,north,8\n", "Line 2, column \"Latitude\": \"north\" is not an angle."},
         {"unknown unit", "Point,Easting [yards],Northing,Latitude,Longitude\nA,1,2,x,8\n", "\"x\" is not an angle"},
         {"not a time", header.substr(0, header.size() - 1) + ",Observed [UTC]\nA,x,1,2,2016-13-01T00:00:00Z\n",
