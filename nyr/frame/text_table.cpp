@@ -277,6 +277,8 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26303, "Move &Up"},
     {26304, "Move &Down"},
     {26305, "&Defaults"},
+    // Mail: addresses refused before sending
+    {26320, "The mail address is not valid."},
     // Tool tips of small tool buttons
     {56118, "Browse"},
     {56119, "Clear"},

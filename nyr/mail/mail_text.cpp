@@ -23,6 +23,12 @@ bool HasControlCharacter(std::string_view text)
     return false;
 }
 
+bool IsMailAddress(std::string_view address)
+{
+    return !address.empty() && address.find_first_of(" \"<>") == std::string_view::npos &&
+           !HasControlCharacter(address);
+}
+
 std::string FileName(std::string_view path)
 {
     const std::size_t slash = path.rfind('/');

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "nyr/platform/export.h"
 
@@ -32,6 +33,16 @@ class CNyrSmtpChannel;
 // recipient does not stop the message (intended leniency: the call can
 // succeed with the refusal in GetLastError()). A failed message leaves the
 // connection as the server has it; no RSET is sent.
+//
+// A transport failure (a time-out, a reset, a connection closed where a reply
+// was due: "0:Socket has been shut down.") ends the dialogue: nothing more is
+// sent on that connection, the call fails at once with the socket's text,
+// later messages fail with "0:Socket is not connected." and Disconnect only
+// closes.
+//
+// The message data goes out with every line end as CR LF (a bare CR or LF in
+// header or body included) and every line that begins with "." doubled, so
+// the only "\r\n.\r\n" a server sees is the client's own terminator.
 //
 // Opt-in extensions for submission servers, see Security() and
 // Credentials(): STARTTLS or implicit TLS, and AUTH PLAIN or LOGIN. They use
@@ -137,18 +148,20 @@ protected:
     // 2: 354 "SMTP server not ready for data.", 3: 221 "SMTP server didn't terminate session."
     static const RESPONSE_CODE s_ResponseTable[4];
 
-    // Hooks on the text sent: the header unchanged here; the body made to end
-    // in "\r\n" and dot-stuffed. Return 1.
+    // Hooks on the text sent, both as it goes on the wire: every line end
+    // made CR LF, then a "." put in front of every line that begins with "."
+    // (RFC 5321 4.5.2; "a\r\n.\r\nb" becomes "a\r\n..\r\nb\r\n"). The body is
+    // also made to end in "\r\n". Return 1. A derived class that overrides
+    // them takes over this duty.
     virtual int PrepareHeader(std::string& header);
-    // Dot-stuffing as this client has always done it: only lines that are a
-    // single "." are doubled (a leading ".\r\n" and every "\r\n.\r\n"); a line
-    // starting with "." and more text goes unchanged (intended).
     virtual int PrepareBody(std::string& body);
     // The MAIL/RCPT/DATA transaction. Fails (0) for a null message (last
     // error unchanged), when not connected, without a sender, without any
     // recipient (Bcc alone will do), when the sender's or a recipient's
-    // address holds a control character (nothing is sent then), when MAIL,
-    // DATA or the final "." are refused, or when the connection fails.
+    // address holds a control character ("0:Mail address contains a control
+    // character.") or a blank, '"', '<' or '>' ("0:The mail address is not
+    // valid."; nothing is sent then), when MAIL, DATA or the final "." are
+    // refused, or when the connection fails.
     virtual int TransmitMailMessage(CNyrMailMessage* message);
     // Reads one reply and compares its code with s_ResponseTable[index]: 1
     // when equal; else 0 with the last error set from the table (or from the
@@ -168,6 +181,9 @@ private:
     bool LogIn(const std::string& ehloReply);
     bool Expect(unsigned code, unsigned textId, const std::string& command);
     void Abort();
+    // Marks the connection failed (nothing more is sent) with the socket text of `error`.
+    void Broken(int error);
+    bool TakeEnvelope(const CNyrMailMessage& message, std::string& sender, std::vector<std::string>& recipients);
 
     std::string m_server;
     unsigned m_port;
@@ -182,4 +198,5 @@ private:
     TIMEOUTS m_timeouts;
     unsigned m_waitMs = 0;  // time-out of the reply GetResponse reads next
     std::string m_pending;  // received bytes after the last whole reply (extensions only)
+    bool m_broken = false;  // a transport failure happened on this connection
 };

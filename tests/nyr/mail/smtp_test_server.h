@@ -144,6 +144,30 @@ public:
             }
         }
         std::string ReadLine() { return ReadUntil("\r\n"); }
+        // Reads one line as a lax server does: ended by CR LF, a bare LF or a
+        // bare CR, returned without its end. False when the client closes or
+        // 10 s pass without a line end.
+        bool ReadLaxLine(std::string& line)
+        {
+            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+            for (;;) {
+                if (m_skipLf && !m_buffer.empty()) {
+                    if (m_buffer[0] == '\n')
+                        m_buffer.erase(0, 1);
+                    m_skipLf = false;
+                }
+                const auto end = m_buffer.find_first_of("\r\n");
+                if (end != std::string::npos) {
+                    line = m_buffer.substr(0, end);
+                    const bool crlf = m_buffer[end] == '\r' && end + 1 < m_buffer.size() && m_buffer[end + 1] == '\n';
+                    m_skipLf = m_buffer[end] == '\r' && end + 1 == m_buffer.size();
+                    m_buffer.erase(0, end + (crlf ? 2 : 1));
+                    return true;
+                }
+                if (!Fill(deadline))
+                    return false;
+            }
+        }
         // True when the client closes within 10 s.
         bool WaitClosed()
         {
@@ -152,6 +176,9 @@ public:
             }
             return m_closed;
         }
+        // Ends the server's side of the stream (the client reads its end)
+        // while what the client still sends can be read.
+        void ShutdownWrite() { shutdown(m_fd, SHUT_WR); }
         // Makes the close at the end of the script a reset (RST) instead of
         // an orderly close.
         void Reset()
@@ -180,6 +207,7 @@ public:
         int m_fd;
         std::string m_buffer;
         bool m_closed = false;
+        bool m_skipLf = false;  // a line ended by CR at the end of the buffer: a LF that follows belongs to it
     };
 
     // `family`: AF_INET (127.0.0.1) or AF_INET6 (::1). Port() is 0 when the
