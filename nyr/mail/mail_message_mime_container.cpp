@@ -1,6 +1,7 @@
 #include "nyr/mail/mail_message_mime_container.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 #include "nyr/mail/mail_text_p.h"
 
@@ -10,6 +11,16 @@ std::string& BoundaryDefaultValue()
 {
     static std::string value = "_NextPart_CNyrMail_1dE8e48F60beBCECoestrsf";
     return value;
+}
+
+// True when `text` holds `delimiter` at the start of a line: at its start or
+// after a CR or LF (lax readers end lines at either).
+bool HoldsDelimiter(std::string_view text, std::string_view delimiter)
+{
+    for (std::size_t at = text.find(delimiter); at != std::string_view::npos; at = text.find(delimiter, at + 1))
+        if (at == 0 || text[at - 1] == '\r' || text[at - 1] == '\n')
+            return true;
+    return false;
 }
 
 }  // namespace
@@ -26,7 +37,7 @@ std::string CNyrMailMessageMimeContainer::Header() const
     if (m_parts.size() == 1)
         header += m_parts.front()->Header();
     else
-        header += "Content-Type: multipart/mixed;\r\n\tboundary=" + NyrMailText::HeaderValue(m_boundary) + "\r\n";
+        header += "Content-Type: multipart/mixed;\r\n\tboundary=" + WireBoundary() + "\r\n";
     return header;
 }
 
@@ -40,7 +51,7 @@ std::string CNyrMailMessageMimeContainer::Body() const
     // Each part's body is made once and appended: the largest attachment is
     // held twice at most (its body and the result). The capacity grows by
     // half at least, so many small parts do not copy the result over and over.
-    const std::string separator = "\r\n--" + NyrMailText::HeaderValue(m_boundary);
+    const std::string separator = "\r\n--" + WireBoundary();
     std::string body = m_preMime;
     for (const auto& part : m_parts) {
         const std::string partHeader = part->Header();
@@ -59,6 +70,29 @@ std::string CNyrMailMessageMimeContainer::Body() const
     body += "--\r\n";
     body += m_postMime;
     return body;
+}
+
+std::string CNyrMailMessageMimeContainer::WireBoundary() const
+{
+    // The texts a receiver reads as lines before the closing delimiter. A
+    // plain binary part's body is Base64, which holds no "-": only its
+    // header is looked at, so large attachments are not encoded twice.
+    std::vector<std::string> texts = {m_preMime};
+    for (const auto& owned : m_parts) {
+        const CNyrMailMessageMimePart& part = *owned;
+        texts.push_back(part.Header());
+        if (typeid(part) != typeid(CNyrMailMessageMimePartBinary))
+            texts.push_back(part.Body());
+    }
+    const std::string base = NyrMailText::HeaderValue(m_boundary);
+    std::string boundary = base;
+    for (unsigned suffix = 1;; ++suffix) {
+        const std::string delimiter = "--" + boundary;
+        if (std::none_of(texts.begin(), texts.end(),
+                         [&](const std::string& text) { return HoldsDelimiter(text, delimiter); }))
+            return boundary;
+        boundary = base + "_" + std::to_string(suffix);
+    }
 }
 
 std::string CNyrMailMessageMimeContainer::Boundary() const
