@@ -13,6 +13,7 @@
 #include "nyr/mail/smtp_channel_p.h"
 #include "nyr/mail/smtp_p.h"
 #include "nyr/mail/smtp_reply_p.h"
+#include "nyr/platform/file_read.h"
 #include "nyr/platform/string_format.h"
 
 using namespace NyrSmtpText;
@@ -22,6 +23,8 @@ namespace {
 // The longest whole reply the extended dialogue collects (an EHLO reply is a
 // few hundred bytes).
 constexpr std::size_t kMaxReply = 64 * 1024;
+// The largest file of trusted certificates read (a system bundle is about 200 KiB).
+constexpr std::size_t kMaxTrustFile = 4 * 1024 * 1024;
 
 unsigned SocketErrorText(int error)
 {
@@ -200,6 +203,9 @@ bool CNyrSmtp::ReadReply(std::string& reply)
         reply.assign(buffer, static_cast<std::size_t>(n));
         return true;
     }
+    // One deadline for the whole reply, however it is cut up: a server that
+    // sends "220-" and then a byte a second times out all the same.
+    const auto deadline = CNyrSmtpChannel::Deadline::In(m_waitMs);
     for (;;) {
         if (const std::size_t length = NyrSmtpReplyLength(m_pending)) {
             reply = m_pending.substr(0, length);
@@ -211,7 +217,7 @@ bool CNyrSmtp::ReadReply(std::string& reply)
             return false;
         }
         char buffer[4096];
-        const long n = m_socket->Receive(buffer, sizeof buffer, m_waitMs);
+        const long n = m_socket->Receive(buffer, sizeof buffer, deadline);
         if (n < 0 || (n == 0 && m_pending.empty())) {
             Broken(n == 0 ? ESHUTDOWN : errno);
             return false;
@@ -294,7 +300,14 @@ void CNyrSmtp::Abort()
 
 bool CNyrSmtp::SecureChannel()
 {
-    switch (m_socket->StartTls(m_server, m_trustFile, m_timeouts.connect)) {
+    // Only a regular file of bounded size: a FIFO or /dev/zero named here
+    // must not block or feed the client for ever.
+    std::string pem;
+    if (!m_trustFile.empty() && !NyrReadRegularFile(m_trustFile, kMaxTrustFile, pem)) {
+        SetError(kTlsUntrusted, 0);
+        return false;
+    }
+    switch (m_socket->StartTls(m_server, pem, m_timeouts.connect)) {
     case CNyrSmtpChannel::TLS_DONE: return true;
     case CNyrSmtpChannel::TLS_UNTRUSTED: SetError(kTlsUntrusted, 0); return false;
     case CNyrSmtpChannel::TLS_FAILED: break;

@@ -83,7 +83,10 @@ public:
 
     // Time-outs in milliseconds (0: wait without limit). The defaults are
     // those of RFC 5321 4.5.3.2, so a silent server never holds the caller
-    // for ever.
+    // for ever. A reply (multi-line ones included) and a TLS handshake each
+    // have one deadline from the moment the client starts waiting for them,
+    // however slowly the bytes come; sending waits at most `command` (or
+    // `dataBlock`) each time the server takes nothing more.
     struct TIMEOUTS
     {
         unsigned connect = 5 * 60000;    // TCP connection (all addresses) and each TLS handshake
@@ -129,6 +132,9 @@ public:
     int Security(eSecurity security);
     // A PEM file of further certificates to trust (a private CA, or a
     // server's self-signed certificate); empty for the system's roots only.
+    // Read at each TLS handshake, when it is a regular file of at most
+    // 4 MiB holding a certificate; otherwise the handshake is refused as
+    // untrusted.
     std::string TrustedCertificates() const;
     int TrustedCertificates(const std::string& pemFile);
     // Log in after the (secured) greeting: AUTH PLAIN when the server offers

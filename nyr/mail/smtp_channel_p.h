@@ -14,6 +14,19 @@
 class CNyrSmtpChannel
 {
 public:
+    // The moment a wait must end by: one for a whole reply or handshake,
+    // however many receives it takes.
+    struct Deadline
+    {
+        std::chrono::steady_clock::time_point at;
+        bool limited = false;
+        // `timeoutMs` from now; 0: no limit.
+        static Deadline In(unsigned timeoutMs)
+        {
+            return {std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs), timeoutMs != 0};
+        }
+    };
+
     CNyrSmtpChannel();
     ~CNyrSmtpChannel();
     CNyrSmtpChannel(const CNyrSmtpChannel&) = delete;
@@ -35,15 +48,20 @@ public:
         TLS_FAILED,     // handshake failed or timed out
         TLS_UNTRUSTED,  // the server's certificate chain or name did not verify
     };
-    // Runs a TLS (1.2 or later) client handshake on the open connection. The
-    // certificate must chain to the system's trusted roots or to the PEM
-    // certificates in `trustFile` (when not empty) and name `host` (a DNS name
-    // or an IP address literal).
-    eTls StartTls(const std::string& host, const std::string& trustFile, unsigned timeoutMs);
+    // Runs a TLS (1.2 or later) client handshake on the open connection,
+    // within one time-out for the whole handshake. The certificate must chain
+    // to the system's trusted roots or to the certificates of `trustPem` (PEM
+    // text; when not empty it must hold at least one) and name `host` (a DNS
+    // name or an IP address literal).
+    eTls StartTls(const std::string& host, const std::string& trustPem, unsigned timeoutMs);
 
     // One receive of at most `size` bytes: their number, 0 at the end of the
-    // stream, -1 on failure.
-    long Receive(char* buffer, std::size_t size, unsigned timeoutMs);
+    // stream, -1 on failure (ETIMEDOUT once the deadline has passed).
+    long Receive(char* buffer, std::size_t size, const Deadline& deadline);
+    long Receive(char* buffer, std::size_t size, unsigned timeoutMs)
+    {
+        return Receive(buffer, size, Deadline::In(timeoutMs));
+    }
 
     // Sends all of the pieces, in order and as one stream (empty ones are
     // skipped). The time-out applies to each wait for the peer to take more:
@@ -55,8 +73,8 @@ public:
     void Close();
 
 private:
-    // Waits for `events`; false with errno ETIMEDOUT once `deadline` passed (when `limited`).
-    bool WaitUntil(short events, std::chrono::steady_clock::time_point deadline, bool limited);
+    // Waits for `events`; false with errno ETIMEDOUT once the deadline passed.
+    bool WaitUntil(short events, const Deadline& deadline);
 
     int m_fd = -1;
     struct ssl_ctx_st* m_ctx = nullptr;

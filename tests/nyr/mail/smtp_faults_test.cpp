@@ -1,6 +1,7 @@
 // CNyrSmtp against scripted servers: the faults a real server will not
 // produce, each ending with its documented result and text, none hanging.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <atomic>
 
@@ -233,6 +234,72 @@ TEST(SmtpFaults, ATransportFailureDuringRecipientsEndsTheMessageAtOnce)
         server.Join();
         EXPECT_EQ(log, (std::vector<std::string>{"MAIL From: <ann@example.org>\r\n", "RCPT TO: <bob@example.org>\r\n"}))
             << fault;
+    }
+}
+
+// A reply that arrives a byte at a time, each byte well within the
+// time-out, still has to be complete within it: one deadline per reply (and
+// per TLS handshake), not per receive. Each script would go on to a
+// different, later failure if the client waited it out.
+TEST(SmtpFaults, RepliesTrickledByteByByteTimeOutAsAWhole)
+{
+    auto trickle = [](Connection& c, const std::string& start) {
+        c.Send(start);
+        for (int i = 0; i < 40 && c.Send("x"); ++i)  // 2 s
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    };
+    const struct
+    {
+        CNyrSmtp::eSecurity security;
+        std::function<void(Connection&)> script;
+        const char* error;
+    } cases[] = {
+        {CNyrSmtp::SECURITY_STARTTLS,
+         [&](Connection& c) {
+             trickle(c, "220-");
+             Play(c, {"\r\n220 ready\r\n", "250 no STARTTLS here\r\n"});
+         },
+         "0:Server didn't respond."},
+        {CNyrSmtp::SECURITY_STARTTLS,
+         [&](Connection& c) {
+             c.Send("220 ready\r\n");
+             c.ReadLine();
+             trickle(c, "250-");
+             Play(c, {"\r\n250 STARTTLS\r\n", "454 not now\r\n"});
+         },
+         "0:Virtual circuit was aborted due to timeout or other failure."},
+        {CNyrSmtp::SECURITY_TLS,
+         [&](Connection& c) {
+             c.ReadUntil("\x01");  // the client's hello
+             trickle(c, std::string("\x16\x03\x03\x40\x00", 5));  // a 16 KiB handshake record
+         },
+         "0:The secure connection to the SMTP server failed."},
+    };
+    for (const auto& c : cases) {
+        ScriptedSmtpServer server(c.script);
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Security(c.security);
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), c.error);
+    }
+}
+
+// A trust file that is a device or a FIFO used to hang the handshake's set-up
+// (read for ever, or waiting for a writer).
+TEST(SmtpFaults, TrustFilesAreReadOnlyWhenTheyAreRegularFiles)
+{
+    nyr::test::TempDir dir;
+    ASSERT_EQ(mkfifo(dir.File("fifo").c_str(), 0600), 0);
+    nyr::test::WriteFile(dir.File("empty.pem"), "no certificate here\n");
+    for (const std::string& trust : {std::string("/dev/zero"), dir.File("fifo"), dir.Path(), dir.File("empty.pem")}) {
+        ScriptedSmtpServer server([](Connection& c) { c.WaitClosed(); });
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Security(CNyrSmtp::SECURITY_TLS);
+        smtp.TrustedCertificates(trust);
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:The certificate of the SMTP server could not be verified.") << trust;
     }
 }
 
