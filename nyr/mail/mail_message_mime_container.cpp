@@ -13,6 +13,15 @@ std::string& BoundaryDefaultValue()
     return value;
 }
 
+// The part as a plain binary part (not a derived class): its body is the
+// file's Base64, which holds no "-" and can be encoded straight into place.
+const CNyrMailMessageMimePartBinary* PlainBinary(const CNyrMailMessageMimePart& part)
+{
+    return typeid(part) == typeid(CNyrMailMessageMimePartBinary)
+               ? static_cast<const CNyrMailMessageMimePartBinary*>(&part)
+               : nullptr;
+}
+
 // True when `text` holds `delimiter` at the start of a line: at its start or
 // after a CR or LF (lax readers end lines at either).
 bool HoldsDelimiter(std::string_view text, std::string_view delimiter)
@@ -48,23 +57,32 @@ std::string CNyrMailMessageMimeContainer::Body() const
     if (m_parts.size() == 1)
         return m_parts.front()->Body();
 
-    // Each part's body is made once and appended: the largest attachment is
-    // held twice at most (its body and the result). The capacity grows by
-    // half at least, so many small parts do not copy the result over and over.
+    // Other parts' bodies are made first; plain binary parts are encoded
+    // straight into the result, which is sized beforehand from their files,
+    // so the largest attachment is held once.
     const std::string separator = "\r\n--" + WireBoundary();
-    std::string body = m_preMime;
-    for (const auto& part : m_parts) {
-        const std::string partHeader = part->Header();
-        const std::string partBody = part->Body();
-        const std::size_t need = body.size() + 2 * separator.size() + partHeader.size() + partBody.size() + 8 +
-                                 m_postMime.size();
-        if (need > body.capacity())
-            body.reserve(std::max(need, body.capacity() + body.capacity() / 2));
+    std::vector<std::string> headers, bodies;
+    std::size_t need = m_preMime.size() + m_postMime.size() + separator.size() + 4;
+    for (const auto& owned : m_parts) {
+        const CNyrMailMessageMimePart& part = *owned;
+        headers.push_back(part.Header());
+        const auto* binary = PlainBinary(part);
+        bodies.push_back(binary ? std::string() : part.Body());
+        need += separator.size() + 4 + headers.back().size();
+        need += binary ? binary->BodySizeBound() : bodies.back().size();
+    }
+    std::string body;
+    body.reserve(need);
+    body += m_preMime;
+    for (std::size_t i = 0; i < m_parts.size(); ++i) {
         body += separator;
         body += "\r\n";
-        body += partHeader;
+        body += headers[i];
         body += "\r\n";
-        body += partBody;
+        if (const auto* binary = PlainBinary(*m_parts[i]))
+            binary->AppendBody(body);
+        else
+            body += bodies[i];
     }
     body += separator;
     body += "--\r\n";
@@ -74,15 +92,13 @@ std::string CNyrMailMessageMimeContainer::Body() const
 
 std::string CNyrMailMessageMimeContainer::WireBoundary() const
 {
-    // The texts a receiver reads as lines before the closing delimiter. A
-    // plain binary part's body is Base64, which holds no "-": only its
-    // header is looked at, so large attachments are not encoded twice.
+    // The texts a receiver reads as lines before the closing delimiter; a
+    // plain binary part's Base64 is not encoded for this.
     std::vector<std::string> texts = {m_preMime};
     for (const auto& owned : m_parts) {
-        const CNyrMailMessageMimePart& part = *owned;
-        texts.push_back(part.Header());
-        if (typeid(part) != typeid(CNyrMailMessageMimePartBinary))
-            texts.push_back(part.Body());
+        texts.push_back(owned->Header());
+        if (!PlainBinary(*owned))
+            texts.push_back(owned->Body());
     }
     const std::string base = NyrMailText::HeaderValue(m_boundary);
     std::string boundary = base;

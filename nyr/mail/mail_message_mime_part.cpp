@@ -89,18 +89,19 @@ bool ReadInPieces(const std::string& path, Size&& size, Take&& take)
     return ok;
 }
 
-// RFC 2045 Base64 of a whole file, encoded piece by piece into a result of
-// its final size; empty when unreadable or too large for memory.
-std::string StandardBase64OfFile(const std::string& path)
+// Appends the RFC 2045 Base64 of a whole file to `out`, encoded piece by
+// piece into place; false, with `out` as it was, when the file is
+// unreadable or too large for memory.
+bool AppendStandardBase64OfFile(const std::string& path, std::string& out)
 {
-    std::string out;
+    const std::size_t start = out.size();
     try {
         bool first = true;
         const bool ok = ReadInPieces(
             path,
             [&](std::size_t size) {
                 const std::size_t chars = (size + 2) / 3 * 4;
-                out.reserve(chars + 2 * (chars / kBase64Line + 1));
+                out.reserve(start + chars + 2 * (chars / kBase64Line + 1));
             },
             [&](const unsigned char* data, std::size_t length) {
                 if (!first)
@@ -108,13 +109,12 @@ std::string StandardBase64OfFile(const std::string& path)
                 first = false;
                 NyrAppendStandardBase64(data, length, kBase64Line, out);
             });
-        if (!ok)
-            out.clear();
+        if (ok)
+            return true;
     } catch (const std::bad_alloc&) {
-        out.clear();
-        out.shrink_to_fit();
     }
-    return out;
+    out.resize(start);
+    return false;
 }
 
 // The library's own Base64 of a whole file (read as above, then encoded at once).
@@ -282,8 +282,27 @@ CNyrMailMessageMimePartBinary::~CNyrMailMessageMimePartBinary() = default;
 
 std::string CNyrMailMessageMimePartBinary::Body() const
 {
+    std::string body;
+    AppendBody(body);
+    return body;
+}
+
+void CNyrMailMessageMimePartBinary::AppendBody(std::string& out) const
+{
     // The header's encoding is not consulted: attachments always go as Base64.
-    return m_standardBase64 ? StandardBase64OfFile(m_path) : LegacyBase64OfFile(m_path);
+    if (m_standardBase64)
+        AppendStandardBase64OfFile(m_path, out);
+    else
+        out += LegacyBase64OfFile(m_path);
+}
+
+std::size_t CNyrMailMessageMimePartBinary::BodySizeBound() const
+{
+    struct stat info{};
+    if (stat(m_path.c_str(), &info) != 0 || !S_ISREG(info.st_mode))
+        return 0;
+    const std::size_t chars = (static_cast<std::size_t>(info.st_size) + 2) / 3 * 4 + 4;
+    return chars + 2 * (chars / kBase64Line + 1);
 }
 
 std::string CNyrMailMessageMimePartBinary::Header() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "nyr/platform/export.h"
@@ -113,6 +114,13 @@ public:
     static void StandardBase64Default(int standard);
 
 private:
+    friend class CNyrMailMessageMimeContainer;
+    // Appends Body() to `out`; the standard form is encoded straight into
+    // it, so a container holds a large attachment once.
+    void AppendBody(std::string& out) const;
+    // At least the size of Body(), from the file's size now (0 when unreadable).
+    std::size_t BodySizeBound() const;
+
     std::string m_path;
     std::string m_contentType;
     std::string m_disposition;
