@@ -58,6 +58,12 @@ std::string LocalHostName()
     return name;
 }
 
+int& PipeliningDefaultValue()
+{
+    static int value = 0;
+    return value;
+}
+
 // Standard Base64 (RFC 4648) for AUTH: servers refuse the library's own form.
 std::string AuthBase64(const std::string& data)
 {
@@ -78,7 +84,10 @@ const CNyrSmtp::RESPONSE_CODE CNyrSmtp::s_ResponseTable[4] = {
 };
 
 CNyrSmtp::CNyrSmtp(std::string server, unsigned port)
-    : m_server(std::move(server)), m_port(port), m_socket(std::make_unique<CNyrSmtpChannel>())
+    : m_server(std::move(server)),
+      m_port(port),
+      m_socket(std::make_unique<CNyrSmtpChannel>()),
+      m_pipelining(PipeliningDefaultValue())
 {
 }
 
@@ -174,6 +183,29 @@ int CNyrSmtp::Timeouts(const TIMEOUTS& timeouts)
     return 1;
 }
 
+int CNyrSmtp::Pipelining() const
+{
+    return m_pipelining;
+}
+
+int CNyrSmtp::Pipelining(int on)
+{
+    if (m_connected)
+        return 0;
+    m_pipelining = on ? 1 : 0;
+    return 1;
+}
+
+int CNyrSmtp::PipeliningDefault()
+{
+    return PipeliningDefaultValue();
+}
+
+void CNyrSmtp::PipeliningDefault(int on)
+{
+    PipeliningDefaultValue() = on ? 1 : 0;
+}
+
 // --- errors and replies ---
 
 void CNyrSmtp::SetError(unsigned textId, unsigned code)
@@ -192,7 +224,7 @@ bool CNyrSmtp::ReadReply(std::string& reply)
         SetSocketError(ENOTCONN);
         return false;
     }
-    if (m_security == SECURITY_NONE) {
+    if (!m_wholeReplies) {
         // One receive per reply: only the start of what arrives counts.
         char buffer[1024];
         const long n = m_socket->Receive(buffer, sizeof buffer, m_waitMs);
@@ -357,6 +389,31 @@ bool CNyrSmtp::LogIn(const std::string& ehloReply)
     return false;
 }
 
+// HELO, or EHLO with what the extensions need after it.
+bool CNyrSmtp::Greet()
+{
+    if (!m_wholeReplies)
+        return SendCommand("HELO " + LocalHostName() + "\r\n") && Await(0, m_timeouts.command);
+    std::string capabilities;
+    bool ok = Hello(capabilities);
+    if (!ok && !m_broken && m_security == SECURITY_NONE && m_user.empty()) {
+        capabilities.clear();  // a server that does not know EHLO: nothing is offered
+        ok = Expect(s_ResponseTable[0].code, s_ResponseTable[0].textId, "HELO " + LocalHostName() + "\r\n");
+    }
+    if (ok && m_security == SECURITY_STARTTLS) {
+        // Never a silent fall-back to plain text.
+        if (!NyrSmtpExtensions(capabilities).startTls) {
+            SetError(kNoStartTls, 0);
+            return false;
+        }
+        ok = StartTls() && Hello(capabilities);  // RFC 3207: forget what was offered before TLS
+    }
+    if (ok && !m_user.empty())
+        ok = LogIn(capabilities);
+    m_pipelined = ok && m_pipelining && NyrSmtpExtensions(capabilities).pipelining;
+    return ok;
+}
+
 int CNyrSmtp::Connect()
 {
     if (m_connected)
@@ -370,6 +427,8 @@ int CNyrSmtp::Connect()
         return 0;
     }
     m_pending.clear();
+    m_wholeReplies = m_security != SECURITY_NONE || m_pipelining;
+    m_pipelined = false;
     switch (m_socket->Open(m_server, m_port, m_timeouts.connect)) {
     case CNyrSmtpChannel::OPEN_DONE: break;
     case CNyrSmtpChannel::OPEN_NO_SOCKET: SetError(kNoSocket, 0); return 0;
@@ -384,30 +443,9 @@ int CNyrSmtp::Connect()
         Abort();
         return 0;
     }
-
-    if (m_security == SECURITY_NONE) {
-        if (!SendCommand("HELO " + LocalHostName() + "\r\n") || !Await(0, m_timeouts.command)) {
-            Abort();
-            return 0;
-        }
-    } else {
-        std::string capabilities;
-        bool ok = Hello(capabilities);
-        if (ok && m_security == SECURITY_STARTTLS) {
-            // Never a silent fall-back to plain text.
-            if (!NyrSmtpExtensions(capabilities).startTls) {
-                SetError(kNoStartTls, 0);
-                ok = false;
-            } else {
-                ok = StartTls() && Hello(capabilities);  // RFC 3207: forget what was offered before TLS
-            }
-        }
-        if (ok && !m_user.empty())
-            ok = LogIn(capabilities);
-        if (!ok) {
-            Abort();
-            return 0;
-        }
+    if (!Greet()) {
+        Abort();
+        return 0;
     }
     m_connected = 1;
     return 1;

@@ -45,9 +45,10 @@ class CNyrSmtpChannel;
 // the only "\r\n.\r\n" a server sees is the client's own terminator.
 //
 // Opt-in extensions for submission servers, see Security() and
-// Credentials(): STARTTLS or implicit TLS, and AUTH PLAIN or LOGIN. They use
-// EHLO instead of HELO and read every reply whole (multi-line replies up to
-// 64 KiB); the rest of the dialogue is the same.
+// Credentials(): STARTTLS or implicit TLS, and AUTH PLAIN or LOGIN; and
+// pipelining, see Pipelining(). They use EHLO instead of HELO and read every
+// reply whole (multi-line replies up to 64 KiB); the rest of the dialogue is
+// the same.
 //
 // Socket failures map errno to the socket error texts:
 //   ENETDOWN, ENETUNREACH, EHOSTUNREACH  "Network subsystem failed."
@@ -144,6 +145,30 @@ public:
     TIMEOUTS Timeouts() const;
     int Timeouts(const TIMEOUTS& timeouts);
 
+    // Pipelining (RFC 2920), off by default (the plain HELO dialogue). When
+    // on, the client greets with EHLO (with HELO after a refused EHLO when no
+    // TLS or login is asked for), and when the server offers PIPELINING it
+    // sends MAIL, every RCPT and DATA in one write and reads their replies in
+    // order, then the data and its "." in one write; SendMailMessages sends
+    // the next message's commands behind the previous message's data, so the
+    // server's latency is paid about once per message. Replies are matched
+    // to commands in order; a refused recipient keeps the leniency above; a
+    // refused MAIL or a failed DATA ends the transaction with RSET (only
+    // here). Changes, like Server(), only while not connected (1), else 0.
+    int Pipelining() const;
+    int Pipelining(int on);
+    // Whether later constructions start with pipelining on; initially 0.
+    static int PipeliningDefault();
+    static void PipeliningDefault(int on);
+
+    // Sends the messages in order over the connection (the busy cursor shows
+    // meanwhile) and returns how many the server accepted; `results`, when
+    // given, receives 1 or 0 for each. A message that cannot be sent leaves
+    // its reason in GetLastError() and the next one is sent all the same; a
+    // transport failure ends the run. Without pipelining it is
+    // SendMailMessage for each.
+    unsigned SendMailMessages(const std::vector<CNyrMailMessage*>& messages, std::vector<int>* results = nullptr);
+
 protected:
     struct RESPONSE_CODE
     {
@@ -190,6 +215,10 @@ private:
     // Marks the connection failed (nothing more is sent) with the socket text of `error`.
     void Broken(int error);
     bool TakeEnvelope(const CNyrMailMessage& message, std::string& sender, std::vector<std::string>& recipients);
+    bool Greet();
+    unsigned SendPipelined(const std::vector<CNyrMailMessage*>& messages, std::vector<int>& results);
+    // Reads one whole reply within `timeoutMs`: its code, or false after a transport failure.
+    bool ReadCode(unsigned timeoutMs, unsigned& code);
 
     std::string m_server;
     unsigned m_port;
@@ -205,4 +234,7 @@ private:
     unsigned m_waitMs = 0;  // time-out of the reply GetResponse reads next
     std::string m_pending;  // received bytes after the last whole reply (extensions only)
     bool m_broken = false;  // a transport failure happened on this connection
+    int m_pipelining;
+    bool m_wholeReplies = false;  // the EHLO dialogue of the extensions, for this connection
+    bool m_pipelined = false;     // pipelining on and offered by the server of this connection
 };

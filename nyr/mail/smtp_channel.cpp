@@ -291,60 +291,104 @@ long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, const Deadline& de
     }
 }
 
-bool CNyrSmtpChannel::Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs)
+long CNyrSmtpChannel::WriteSome(std::vector<std::string_view>& rest, std::size_t& first, short& events)
+{
+    long n;
+    if (m_ssl) {
+        ERR_clear_error();
+        errno = 0;
+        const std::string_view piece = rest[first];
+        n = SSL_write(m_ssl, piece.data(), static_cast<int>(std::min<std::size_t>(piece.size(), 1 << 20)));
+        if (n <= 0) {
+            switch (SSL_get_error(m_ssl, static_cast<int>(n))) {
+            case SSL_ERROR_WANT_WRITE: events = POLLOUT; return 0;
+            case SSL_ERROR_WANT_READ: events = POLLIN; return 0;
+            case SSL_ERROR_SYSCALL:
+                if (errno == 0)
+                    errno = EPIPE;
+                return -1;
+            default:
+                ERR_clear_error();
+                errno = ECONNABORTED;
+                return -1;
+            }
+        }
+    } else {
+        // All pieces in one call: the message data goes out without waiting between its parts.
+        iovec vectors[8];
+        msghdr message{};
+        message.msg_iov = vectors;
+        for (std::size_t i = first; i < rest.size() && message.msg_iovlen < std::size(vectors); ++i)
+            vectors[message.msg_iovlen++] = {const_cast<char*>(rest[i].data()), rest[i].size()};
+        n = sendmsg(m_fd, &message, MSG_NOSIGNAL);
+        if (n < 0) {
+            events = POLLOUT;
+            return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+        }
+    }
+    for (auto left = static_cast<std::size_t>(n); left > 0 && first < rest.size();) {
+        const std::size_t take = std::min(left, rest[first].size());
+        rest[first].remove_prefix(take);
+        left -= take;
+        first += rest[first].empty();
+    }
+    return n;
+}
+
+long CNyrSmtpChannel::ReadSome(std::string& received, std::size_t maxReceived)
+{
+    char buffer[4096];
+    const std::size_t size = std::min(sizeof buffer, maxReceived - received.size());
+    long n;
+    if (m_ssl) {
+        ERR_clear_error();
+        errno = 0;
+        n = SSL_read(m_ssl, buffer, static_cast<int>(size));
+        if (n <= 0) {
+            const int reason = SSL_get_error(m_ssl, static_cast<int>(n));
+            if (reason == SSL_ERROR_WANT_READ || reason == SSL_ERROR_WANT_WRITE)
+                return 0;
+            ERR_clear_error();
+            return reason == SSL_ERROR_ZERO_RETURN || (reason == SSL_ERROR_SYSCALL && errno == 0) ? -2 : -1;
+        }
+    } else {
+        n = recv(m_fd, buffer, size, MSG_DONTWAIT);
+        if (n == 0)
+            return -2;
+        if (n < 0)
+            return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+    }
+    received.append(buffer, static_cast<std::size_t>(n));
+    return n;
+}
+
+bool CNyrSmtpChannel::Send(std::vector<std::string_view> pieces, unsigned timeoutMs, std::string* received,
+                           std::size_t maxReceived)
 {
     if (m_fd < 0) {
         errno = ENOTCONN;
         return false;
     }
-    std::vector<std::string_view> rest;
-    for (const auto piece : pieces)
-        if (!piece.empty())
-            rest.push_back(piece);
-    std::size_t first = 0;  // rest[first] is the piece being sent
-    while (first < rest.size()) {
-        short events = POLLOUT;
-        if (m_ssl) {
-            ERR_clear_error();
-            errno = 0;
-            std::string_view& piece = rest[first];
-            const int n = SSL_write(m_ssl, piece.data(), static_cast<int>(std::min<std::size_t>(piece.size(), 1 << 20)));
-            if (n > 0) {
-                piece.remove_prefix(static_cast<std::size_t>(n));
-                first += piece.empty();
+    std::erase_if(pieces, [](std::string_view piece) { return piece.empty(); });
+    std::size_t first = 0;  // pieces[first] is the piece being sent
+    bool reading = received != nullptr;
+    while (first < pieces.size()) {
+        short events = 0;
+        const long written = WriteSome(pieces, first, events);
+        if (written < 0)
+            return false;
+        if (written > 0)
+            continue;
+        // Blocked: take in what the server answers meanwhile, so that it is
+        // never stalled on a full buffer while the client waits on it.
+        if (reading && received->size() < maxReceived) {
+            const long read = ReadSome(*received, maxReceived);
+            if (read == -1)
+                return false;
+            if (read > 0)
                 continue;
-            }
-            switch (SSL_get_error(m_ssl, n)) {
-            case SSL_ERROR_WANT_WRITE: break;
-            case SSL_ERROR_WANT_READ: events = POLLIN; break;
-            case SSL_ERROR_SYSCALL:
-                if (errno == 0)
-                    errno = EPIPE;
-                return false;
-            default:
-                ERR_clear_error();
-                errno = ECONNABORTED;
-                return false;
-            }
-        } else {
-            // All pieces in one call: the message data goes out without waiting between its parts.
-            iovec vectors[8];
-            msghdr message{};
-            message.msg_iov = vectors;
-            for (std::size_t i = first; i < rest.size() && message.msg_iovlen < std::size(vectors); ++i)
-                vectors[message.msg_iovlen++] = {const_cast<char*>(rest[i].data()), rest[i].size()};
-            ssize_t n = sendmsg(m_fd, &message, MSG_NOSIGNAL);
-            if (n >= 0) {
-                for (auto left = static_cast<std::size_t>(n); left > 0 && first < rest.size();) {
-                    const std::size_t take = std::min(left, rest[first].size());
-                    rest[first].remove_prefix(take);
-                    left -= take;
-                    first += rest[first].empty();
-                }
-                continue;
-            }
-            if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
-                return false;
+            reading = read == 0;  // -2: the server closed; the next write tells
+            events |= reading ? POLLIN : 0;
         }
         // The time-out counts from the last progress: a stalled peer fails, a slow one does not.
         if (!WaitUntil(events, Deadline::In(timeoutMs)))

@@ -2,9 +2,9 @@
 
 #include <chrono>
 #include <cstddef>
-#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The byte stream under CNyrSmtp: a TCP connection over IPv4 or IPv6 that
 // can be switched to TLS. The socket is non-blocking inside; every call
@@ -65,8 +65,12 @@ public:
 
     // Sends all of the pieces, in order and as one stream (empty ones are
     // skipped). The time-out applies to each wait for the peer to take more:
-    // a stalled peer fails, a slow one does not.
-    bool Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs);
+    // a stalled peer fails, a slow one does not. With `received`, whatever
+    // the peer sends meanwhile is appended to it (up to `maxReceived` bytes
+    // in all), so a peer that answers while the client still writes is never
+    // stalled on a full buffer, nor the client on it.
+    bool Send(std::vector<std::string_view> pieces, unsigned timeoutMs, std::string* received = nullptr,
+              std::size_t maxReceived = 0);
 
     bool IsOpen() const { return m_fd >= 0; }
     bool IsSecure() const { return m_ssl != nullptr; }
@@ -75,6 +79,12 @@ public:
 private:
     // Waits for `events`; false with errno ETIMEDOUT once the deadline passed.
     bool WaitUntil(short events, const Deadline& deadline);
+    // One write of pieces[first...] without waiting: the bytes written (the
+    // pieces advanced), 0 when blocked (`events` tells on what), -1 on failure.
+    long WriteSome(std::vector<std::string_view>& pieces, std::size_t& first, short& events);
+    // One read without waiting, appended to `received` (below `maxReceived`):
+    // the bytes read, 0 when none are there, -2 at the end of the stream, -1 on failure.
+    long ReadSome(std::string& received, std::size_t maxReceived);
 
     int m_fd = -1;
     struct ssl_ctx_st* m_ctx = nullptr;

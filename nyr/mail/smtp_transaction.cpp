@@ -79,6 +79,10 @@ int CNyrSmtp::TransmitMailMessage(CNyrMailMessage* message)
         SetError(kNotConnected, 0);
         return 0;
     }
+    if (m_pipelined) {
+        std::vector<int> results;
+        return static_cast<int>(SendPipelined({message}, results));
+    }
     std::string sender;
     std::vector<std::string> recipients;
     if (!TakeEnvelope(*message, sender, recipients))
