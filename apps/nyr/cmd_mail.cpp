@@ -184,6 +184,7 @@ int RunSend(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     const auto timeout = TakeOption(args, "--timeout", missing);
     const bool startTls = TakeFlag(args, "--starttls");
     const bool tls = TakeFlag(args, "--tls");
+    const bool pipelining = TakeFlag(args, "--pipelining");
     if (const int status = CheckAllTaken(args, missing, err); status != kSuccess)
         return status;
     if (!server)
@@ -204,6 +205,7 @@ int RunSend(std::vector<std::string>& args, std::ostream& out, std::ostream& err
         return status;
     CNyrSmtp smtp(*server, static_cast<unsigned>(portNumber));
     smtp.Security(tls ? CNyrSmtp::SECURITY_TLS : startTls ? CNyrSmtp::SECURITY_STARTTLS : CNyrSmtp::SECURITY_NONE);
+    smtp.Pipelining(pipelining ? 1 : 0);
     if (caFile)
         smtp.TrustedCertificates(*caFile);
     if (user) {
@@ -282,7 +284,8 @@ const Command kMail{
     "mail", "compose a MIME message, send it over SMTP, or hand it to the mail client",
     "Usage: nyr mail compose MESSAGE\n"
     "       nyr mail send --server HOST [--port P] [--starttls | --tls] [--ca-file PEM]\n"
-    "                     [--user NAME --password-file FILE] [--timeout SECONDS] MESSAGE\n"
+    "                     [--user NAME --password-file FILE] [--timeout SECONDS]\n"
+    "                     [--pipelining] MESSAGE\n"
     "       nyr mail handoff [--to A]... [--cc A]... [--bcc A]... [--subject S]\n"
     "                        [--body TEXT | --body-file FILE] [--attach FILE]...\n"
     "                        [--command CMD] [--dialog]\n\n"
@@ -298,8 +301,10 @@ const Command kMail{
     "send delivers it over SMTP: port 25, or 587 with --starttls, 465 with --tls;\n"
     "certificates are verified (--ca-file trusts more); the password is the\n"
     "first line of FILE and is sent over TLS only. --timeout replaces every\n"
-    "time-out (defaults: RFC 5321, up to 10 minutes). A refused recipient does\n"
-    "not stop the message: it is reported as a warning.\n"
+    "time-out (defaults: RFC 5321, up to 10 minutes; each reply must be complete\n"
+    "within its time-out). --pipelining sends the commands of the transaction\n"
+    "together when the server offers PIPELINING (RFC 2920). A refused recipient\n"
+    "does not stop the message: it is reported as a warning.\n"
     "handoff gives the mail to the user's mail client through xdg-email (or\n"
     "CMD); --dialog disables the application while the client runs.\n",
     RunMail};

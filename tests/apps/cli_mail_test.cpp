@@ -136,6 +136,14 @@ TEST(CliMail, SendDeliversToARealServerAndReportsFailures)
     EXPECT_NE(mails[0].data.find("\r\n\r\nHello\r\n.\r\nBye\r\n"), std::string::npos);
     EXPECT_NE(mails[0].envelope.find(R"("to": ["bob@example.org", "carl@example.org"])"), std::string::npos);
 
+    nyr::test::SmtpTestServer pipelining({"--pipelining"});
+    const auto pipelined = Nyr({"mail", "send", "--server", "127.0.0.1", "--port", std::to_string(pipelining.Port()),
+                                "--pipelining", "--from", "ann@example.org", "--to", "bob@example.org", "--subject",
+                                "Pipelined", "--body", ".dot\n"});
+    EXPECT_EQ(pipelined.exitCode, 0) << pipelined.err;
+    ASSERT_EQ(pipelining.Messages(1).size(), 1u);
+    EXPECT_NE(pipelining.Messages(1)[0].data.find("\r\n\r\n.dot\r\n"), std::string::npos);
+
     const auto refused = Nyr({"mail", "send", "--server", "127.0.0.1", "--port", std::to_string(server.Port()),
                               "--starttls", "--from", "a@x", "--to", "b@x", "--subject", "s", "--body", "b"});
     EXPECT_EQ(refused.exitCode, 1);
