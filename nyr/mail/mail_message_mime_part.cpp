@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <new>
 
@@ -138,36 +139,21 @@ std::string LegacyBase64OfFile(const std::string& path)
 
 // One parameter of a part header line: `attribute="value"` as an RFC 2045
 // quoted string ('"' and '\' escaped, CR and LF as blanks). A value with
-// bytes outside printable ASCII gets the RFC 2231 form beside it,
-// `; attribute*=UTF-8''<percent-encoded>`, which gives it exactly.
+// bytes outside printable ASCII gets the RFC 2231 form in front of it,
+// `attribute*=UTF-8''<percent-encoded>; `, which gives it exactly.
 std::string Parameter(const char* attribute, std::string_view value)
 {
-    static const char kHex[] = "0123456789ABCDEF";
     std::string quoted;
-    bool plain = true;
     for (const char c : HeaderValue(value)) {
         if (c == '"' || c == '\\')
             quoted += '\\';
         quoted += c;
     }
-    std::string encoded;
-    for (const char c : value) {
-        const auto byte = static_cast<unsigned char>(c);
-        plain = plain && byte >= 0x20 && byte < 0x7F;
-        const bool unreserved = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
-                                (byte >= '0' && byte <= '9') || byte == '-' || byte == '.' || byte == '_' ||
-                                byte == '~';
-        if (unreserved) {
-            encoded += c;
-        } else {
-            encoded += '%';
-            encoded += kHex[byte >> 4];
-            encoded += kHex[byte & 15];
-        }
-    }
-    // The exact form first: readers that know both take the first they meet.
     const std::string parameter = std::string(attribute) + "=\"" + quoted + "\"";
-    return plain ? parameter : std::string(attribute) + "*=UTF-8''" + encoded + "; " + parameter;
+    const bool plain = std::all_of(value.begin(), value.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+    // The exact form first: some readers that know both take the first.
+    return plain ? parameter
+                 : std::string(attribute) + "*=UTF-8''" + NyrMailText::PercentEncoded(value) + "; " + parameter;
 }
 
 }  // namespace

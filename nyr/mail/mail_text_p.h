@@ -18,6 +18,10 @@ bool HasControlCharacter(std::string_view text);
 // control character.
 bool IsMailAddress(std::string_view address);
 
+// Each byte of `text` as "%XX" (upper-case hex) except the unreserved
+// characters of RFC 3986 (letters, digits, "-._~") and those in `keep`.
+std::string PercentEncoded(std::string_view text, std::string_view keep = {});
+
 // The base name and extension of a POSIX path: what follows the last '/'.
 std::string FileName(std::string_view path);
 

@@ -19,7 +19,7 @@ void AddField(std::string& fields, char separator, const char* name, const std::
         fields += separator;
     fields += name;
     fields += '=';
-    fields += NyrPercentEncoded(value, "@");
+    fields += NyrMailText::PercentEncoded(value, "@");
 }
 
 std::string Joined(const std::vector<std::string>& items, char separator)
@@ -51,26 +51,6 @@ bool NyrHandOffRecipient(std::string_view name, std::string_view address, std::s
     return true;
 }
 
-std::string NyrPercentEncoded(std::string_view text, std::string_view keep)
-{
-    static const char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    out.reserve(text.size() + text.size() / 2);
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool unreserved = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
-                                (byte >= '0' && byte <= '9') || c == '-' || c == '.' || c == '_' || c == '~';
-        if (unreserved || (byte != 0 && keep.find(c) != std::string_view::npos)) {
-            out += c;
-        } else {
-            out += '%';
-            out += kHex[byte >> 4];
-            out += kHex[byte & 15];
-        }
-    }
-    return out;
-}
-
 std::string NyrMailtoUri(const NyrHandOffMail& mail, bool withFiles)
 {
     std::string fields;
@@ -96,7 +76,7 @@ std::string NyrThunderbirdCompose(const NyrHandOffMail& mail)
     AddField(argument, ',', "body", mail.body);
     std::vector<std::string> urls;
     for (const auto& file : mail.files)
-        urls.push_back("file://" + NyrPercentEncoded(file, "/"));
+        urls.push_back("file://" + NyrMailText::PercentEncoded(file, "/"));
     AddField(argument, ',', "attachment", Joined(urls, ','));
     return argument;
 }

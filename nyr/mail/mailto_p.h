@@ -28,10 +28,6 @@ struct NyrHandOffMail
 // '"', '\', ',', ';', '<' or '>', and in the address also a blank, '(' or ')'.
 NYR_EXPORT bool NyrHandOffRecipient(std::string_view name, std::string_view address, std::string& text);
 
-// Each byte of `text` as "%XX" (upper-case hex) except the unreserved
-// characters of RFC 3986 (letters, digits, "-._~") and those in `keep`.
-NYR_EXPORT std::string NyrPercentEncoded(std::string_view text, std::string_view keep = {});
-
 // "mailto:?to=A&to=B&cc=C&bcc=D&subject=S&body=T&attach=F" with the fields
 // that are not empty, each value percent-encoded ("@" kept); attachments
 // (as their paths) only `withFiles`.

@@ -13,10 +13,12 @@
 
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/mail/mapi_send_mail.h"
+#include "tests/nyr/mail/mail_test_text.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
 
+using nyr::test::FromHex;
 using nyr::test::ReadFile;
 using nyr::test::TempDir;
 using nyr::test::WriteFile;
@@ -35,14 +37,6 @@ int RecordMessage(const std::string& text, const std::string&, unsigned)
 void RecordMainWindow(bool enable)
 {
     g_mainWindow.push_back(enable);
-}
-
-std::string FromHex(const std::string& hex)
-{
-    std::string bytes;
-    for (std::size_t i = 0; hex != "-" && i + 1 < hex.size(); i += 2)
-        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-    return bytes;
 }
 
 // A desktop of the test's own: HOME, the XDG folders and DISPLAY point into

@@ -9,10 +9,12 @@
 
 #include "nyr/mail/mail_message_mime_container.h"
 #include "nyr/util/base64.h"
+#include "tests/nyr/mail/mail_test_text.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
 
+using nyr::test::FromHex;
 using nyr::test::TempDir;
 using nyr::test::WriteFile;
 
@@ -28,14 +30,6 @@ struct PythonView
     std::string defects;  // of the message itself
     std::vector<PythonPart> parts;
 };
-
-std::string FromHex(const std::string& hex)
-{
-    std::string bytes;
-    for (std::size_t i = 0; hex != "-" && i + 1 < hex.size(); i += 2)
-        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-    return bytes;
-}
 
 // What Python's email package reads from the message, under `policy`
 // ("compat32" or "default").

@@ -8,6 +8,7 @@
 
 #include "nyr/mail/mail_message.h"
 #include "nyr/mail/smtp.h"
+#include "tests/nyr/mail/mail_test_text.h"
 #include "tests/nyr/mail/smtp_test_server.h"
 
 namespace {
@@ -36,24 +37,11 @@ FixedMessage Message(const std::string& body, std::size_t recipients = 2)
     return m;
 }
 
-// Every line end made CR LF, then what a server gets after the client's dot-stuffing.
-std::string Stuffed(const std::string& text)
+// What a server reads from the client: the lines of the text (ending in
+// CR LF); the client's dot-stuffing is undone on the way.
+std::string ServerLines(const std::string& text)
 {
-    std::string lines;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool lineStart = i == 0 || text[i - 1] == '\n' || (text[i - 1] == '\r' && text[i] != '\n');
-        if (lineStart && text[i] == '.')
-            lines += '.';
-        if (text[i] == '\r' || text[i] == '\n') {
-            lines += "\r\n";
-            i += text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
-        } else {
-            lines += text[i];
-        }
-    }
-    if (lines.size() < 2 || lines.compare(lines.size() - 2, 2, "\r\n") != 0)
-        lines += "\r\n";
-    return lines;
+    return nyr::test::WithLineEnd(nyr::test::CrLfLines(text));
 }
 
 std::vector<std::string> Bodies()
@@ -103,9 +91,7 @@ TEST(SmtpPipelining, RealServersReceiveEveryMessageAsSent)
     ASSERT_EQ(mails.size(), messages.size());
     ASSERT_EQ(transactions.size(), messages.size());
     for (std::size_t i = 0; i < bodies.size(); ++i) {
-        std::string expected = "Subject: pipelined\r\n\r\n" + Stuffed(bodies[i]) + "\r\n";
-        for (std::size_t at = 0; (at = expected.find("\r\n.", at)) != std::string::npos; at += 2)
-            expected.erase(at + 2, 1);  // the reader's side of the stuffing
+        std::string expected = "Subject: pipelined\r\n\r\n" + ServerLines(bodies[i]) + "\r\n";
         EXPECT_EQ(mails[i].data, expected) << i;
         EXPECT_NE(mails[i].envelope.find(R"("to": ["r0@example.org", "r1@example.org"])"), std::string::npos);
 

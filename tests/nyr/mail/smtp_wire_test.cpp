@@ -8,11 +8,14 @@
 #include "nyr/mail/mail_message.h"
 #include "nyr/mail/smtp.h"
 #include "nyr/mail/smtp_data_p.h"
+#include "tests/nyr/mail/mail_test_text.h"
 #include "tests/nyr/mail/smtp_test_server.h"
 
 namespace {
 
+using nyr::test::CrLfLines;
 using nyr::test::ScriptedSmtpServer;
+using nyr::test::WithLineEnd;
 using nyr::test::SmtpTestServer;
 using Connection = ScriptedSmtpServer::Connection;
 
@@ -43,28 +46,6 @@ void LaxServer(Connection& c, std::vector<std::string>& log)
         log.push_back(data);
         c.Send("250 queued\r\n");
     }
-}
-
-// Every line end made CR LF, the way a reader of the message sees its lines.
-std::string Lines(const std::string& text)
-{
-    std::string lines;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' || text[i] == '\n') {
-            lines += "\r\n";
-            i += text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
-        } else {
-            lines += text[i];
-        }
-    }
-    return lines;
-}
-
-std::string WithLineEnd(std::string text)
-{
-    if (text.size() < 2 || text.compare(text.size() - 2, 2, "\r\n") != 0)
-        text += "\r\n";
-    return text;
 }
 
 // A message whose header is the caller's own text, as a derived class may write it.
@@ -99,7 +80,7 @@ TEST(SmtpWire, HostileBodiesAndHeadersMakeOneTransactionAtALaxServer)
         m.Body(body);
         ASSERT_EQ(smtp.SendMailMessage(&m), 1) << smtp.GetLastError();
         expected.insert(expected.end(), {"MAIL From: <ann@example.org>", "RCPT TO: <bob@example.org>", "DATA",
-                                         Lines(m.header) + "\r\n" + WithLineEnd(Lines(body)) + "\r\n"});
+                                         CrLfLines(m.header) + "\r\n" + WithLineEnd(CrLfLines(body)) + "\r\n"});
     }
     EXPECT_EQ(smtp.Disconnect(), 1) << smtp.GetLastError();
     server.Join();
@@ -128,7 +109,7 @@ TEST(SmtpWire, AStrictServerReceivesEveryLineAsWritten)
     for (std::size_t i = 0; i < mails.size(); ++i) {
         const std::string& data = mails[i].data;
         // aiosmtpd keeps the line end before the terminator's: the blank line the client sends.
-        EXPECT_EQ(data.substr(data.find("\r\n\r\n") + 4), WithLineEnd(Lines(kHostileBodies[i])) + "\r\n") << i;
+        EXPECT_EQ(data.substr(data.find("\r\n\r\n") + 4), WithLineEnd(CrLfLines(kHostileBodies[i])) + "\r\n") << i;
     }
 }
 
@@ -159,7 +140,7 @@ TEST(SmtpWire, RandomTextsNeverLeaveTheirMessage)
     for (std::size_t i = 0; i < bodies.size(); ++i) {
         const std::string& data = log[1 + 4 * i + 3];
         EXPECT_EQ(log[1 + 4 * i], "MAIL From: <ann@example.org>");
-        EXPECT_EQ(data.substr(data.find("\r\n\r\n") + 4), WithLineEnd(Lines(bodies[i])) + "\r\n") << i;
+        EXPECT_EQ(data.substr(data.find("\r\n\r\n") + 4), WithLineEnd(CrLfLines(bodies[i])) + "\r\n") << i;
     }
 }
 
