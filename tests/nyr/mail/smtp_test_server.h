@@ -120,10 +120,11 @@ public:
         chmod(m_dir.Path().c_str(), 0777);  // it writes as the postfix user when started by root
         for (int attempt = 0; attempt < 5 && !m_port; ++attempt) {
             const unsigned port = FreePort();
-            std::vector<std::string> argv = {program, "-D", m_dir.File("dump"), "127.0.0.1:" + std::to_string(port),
-                                             "64"};
+            // Through a watcher that ends it with the test, however the test ends.
+            std::vector<std::string> argv = {"/usr/bin/python3", NYR_SOURCE_DIR "/tests/nyr/mail/smtp_sink.py", "-D",
+                                             m_dir.File("dump"), "127.0.0.1:" + std::to_string(port), "64"};
             if (geteuid() == 0)
-                argv.insert(argv.begin() + 1, {"-u", "postfix"});
+                argv.insert(argv.begin() + 2, {"-u", "postfix"});
             std::vector<char*> args;
             for (auto& a : argv)
                 args.push_back(a.data());
