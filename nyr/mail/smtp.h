@@ -216,6 +216,7 @@ private:
     void Broken(int error);
     bool TakeEnvelope(const CNyrMailMessage& message, std::string& sender, std::vector<std::string>& recipients);
     bool Greet();
+    class CPipelinedRun;
     unsigned SendPipelined(const std::vector<CNyrMailMessage*>& messages, std::vector<int>& results);
     // Reads one whole reply within `timeoutMs`: its code, or false after a transport failure.
     bool ReadCode(unsigned timeoutMs, unsigned& code);

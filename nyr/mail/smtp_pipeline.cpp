@@ -63,104 +63,145 @@ bool CNyrSmtp::ReadCode(unsigned timeoutMs, unsigned& code)
     return true;
 }
 
-// The commands of each message go out in one write; its replies are read in
-// order up to DATA's. Then the message data goes out in one write together
-// with the next message's commands (or the RSET that ends a refused
-// transaction), and so on: one wait for the server per message.
-unsigned CNyrSmtp::SendPipelined(const std::vector<CNyrMailMessage*>& messages, std::vector<int>& results)
+// A run of pipelined transactions. The commands of each message go out in
+// one write; its replies are read in order up to DATA's. Then the message
+// data goes out in one write together with the next message's commands (or
+// the RSET that ends a refused transaction), and so on: one wait for the
+// server per message.
+class CNyrSmtp::CPipelinedRun
 {
-    results.assign(messages.size(), 0);
-    unsigned accepted = 0;
-    if (m_broken) {
-        SetSocketError(ENOTCONN);
-        return accepted;
+public:
+    CPipelinedRun(CNyrSmtp& smtp, const std::vector<CNyrMailMessage*>& messages, std::vector<int>& results)
+        : m_smtp(smtp), m_messages(messages), m_results(results)
+    {
+        m_results.assign(messages.size(), 0);
     }
-    std::deque<Expected> expected;
-    std::vector<std::string> commands;  // to go out with the next write
-    std::string header, body;           // the data of the message that got 354
-    bool withData = false;              // header and body go out with the next write
-    std::size_t next = 0;
-    auto queueNextMessage = [&] {
-        for (std::string sender; next < messages.size(); ++next) {
-            std::vector<std::string> recipients;
-            if (!messages[next] || !TakeEnvelope(*messages[next], sender, recipients))
-                continue;  // nothing sent for it; the reason is in the last error
-            commands.push_back("MAIL From: <" + sender + ">\r\n");
-            expected.push_back({Expected::MAIL, next});
-            for (const auto& address : recipients) {
-                commands.push_back("RCPT TO: <" + address + ">\r\n");
-                expected.push_back({Expected::RCPT, next});
+
+    unsigned Run()
+    {
+        QueueNextMessage();
+        while (!m_commands.empty() || m_withData) {
+            if (!Write())
+                return m_accepted;
+            // Replies in order, up to the one that decides what goes out next.
+            while (!m_expected.empty() && m_commands.empty() && !m_withData) {
+                const Expected e = m_expected.front();
+                m_expected.pop_front();
+                unsigned code = 0;
+                if (!m_smtp.ReadCode(Timeout(e.kind), code))
+                    return m_accepted;
+                Take(e, code);
             }
-            commands.push_back("DATA\r\n");
-            expected.push_back({Expected::DATA, next++});
+        }
+        return m_accepted;
+    }
+
+private:
+    // The commands of the next message that can be sent; nothing is sent for
+    // one that cannot (the reason is in the last error).
+    void QueueNextMessage()
+    {
+        for (std::string sender; m_next < m_messages.size(); ++m_next) {
+            std::vector<std::string> recipients;
+            if (!m_messages[m_next] || !m_smtp.TakeEnvelope(*m_messages[m_next], sender, recipients))
+                continue;
+            Queue("MAIL From: <" + sender + ">\r\n", Expected::MAIL);
+            for (const auto& address : recipients)
+                Queue("RCPT TO: <" + address + ">\r\n", Expected::RCPT);
+            Queue("DATA\r\n", Expected::DATA);
+            ++m_next;
             return;
         }
-    };
+    }
 
-    queueNextMessage();
-    bool mailAccepted = false;
-    while (!commands.empty() || withData) {
+    void Queue(std::string command, Expected::Kind kind)
+    {
+        m_commands.push_back(std::move(command));
+        m_expected.push_back({kind, m_next});
+    }
+
+    bool Write()
+    {
         std::vector<std::string_view> pieces;
-        if (withData)
-            pieces = {header, "\r\n", body, "\r\n.\r\n"};
-        pieces.insert(pieces.end(), commands.begin(), commands.end());
-        if (!m_socket->Send(pieces, withData ? m_timeouts.dataBlock : m_timeouts.command, &m_pending,
-                            kMaxPendingReplies)) {
-            Broken(errno);
-            return accepted;
+        if (m_withData)
+            pieces = {m_header, "\r\n", m_body, "\r\n.\r\n"};
+        pieces.insert(pieces.end(), m_commands.begin(), m_commands.end());
+        const TIMEOUTS& t = m_smtp.m_timeouts;
+        if (!m_smtp.m_socket->Send(pieces, m_withData ? t.dataBlock : t.command, &m_smtp.m_pending,
+                                   kMaxPendingReplies)) {
+            m_smtp.Broken(errno);
+            return false;
         }
-        withData = false;
-        commands.clear();
-        // Replies in order, up to the one that decides what goes out next.
-        while (!expected.empty() && commands.empty() && !withData) {
-            const Expected e = expected.front();
-            expected.pop_front();
-            unsigned code = 0;
-            const unsigned timeout = e.kind == Expected::DATA  ? m_timeouts.dataStart
-                                     : e.kind == Expected::END ? m_timeouts.dataEnd
-                                                               : m_timeouts.command;
-            if (!ReadCode(timeout, code))
-                return accepted;
-            switch (e.kind) {
-            case Expected::MAIL:
-                mailAccepted = code == s_ResponseTable[0].code;
-                if (!mailAccepted)
-                    SetError(s_ResponseTable[0].textId, code);
-                break;
-            case Expected::RCPT:  // a refused recipient only leaves its refusal in the last error (intended)
-                if (mailAccepted && code != s_ResponseTable[0].code)
-                    SetError(s_ResponseTable[0].textId, code);
-                break;
-            case Expected::END:
-                if (code == s_ResponseTable[0].code)
-                    accepted += results[e.message] = 1;
-                else
-                    SetError(s_ResponseTable[0].textId, code);
-                break;
-            case Expected::IGNORE: break;
-            case Expected::DATA:
-                if (code == s_ResponseTable[2].code && mailAccepted) {
-                    header = messages[e.message]->Header();
-                    PrepareHeader(header);
-                    body = messages[e.message]->Body();
-                    PrepareBody(body);
-                    withData = true;
-                    expected.push_back({Expected::END, e.message});
-                } else {
-                    if (mailAccepted)
-                        SetError(s_ResponseTable[2].textId, code);
-                    // A server that took DATA without a sender gets an empty message first.
-                    if (code == s_ResponseTable[2].code) {
-                        commands.push_back(".\r\n");
-                        expected.push_back({Expected::IGNORE, e.message});
-                    }
-                    commands.push_back("RSET\r\n");
-                    expected.push_back({Expected::IGNORE, e.message});
-                }
-                queueNextMessage();
-                break;
+        m_withData = false;
+        m_commands.clear();
+        return true;
+    }
+
+    unsigned Timeout(Expected::Kind kind) const
+    {
+        const TIMEOUTS& t = m_smtp.m_timeouts;
+        return kind == Expected::DATA ? t.dataStart : kind == Expected::END ? t.dataEnd : t.command;
+    }
+
+    void Take(const Expected& e, unsigned code)
+    {
+        const RESPONSE_CODE& ok = s_ResponseTable[0];
+        const RESPONSE_CODE& data = s_ResponseTable[2];
+        switch (e.kind) {
+        case Expected::MAIL:
+            m_mailAccepted = code == ok.code;
+            if (!m_mailAccepted)
+                m_smtp.SetError(ok.textId, code);
+            break;
+        case Expected::RCPT:  // a refused recipient only leaves its refusal in the last error (intended)
+            if (m_mailAccepted && code != ok.code)
+                m_smtp.SetError(ok.textId, code);
+            break;
+        case Expected::END:
+            if (code == ok.code)
+                m_accepted += m_results[e.message] = 1;
+            else
+                m_smtp.SetError(ok.textId, code);
+            break;
+        case Expected::IGNORE: break;
+        case Expected::DATA:
+            if (code == data.code && m_mailAccepted) {
+                m_header = m_messages[e.message]->Header();
+                m_smtp.PrepareHeader(m_header);
+                m_body = m_messages[e.message]->Body();
+                m_smtp.PrepareBody(m_body);
+                m_withData = true;
+                m_expected.push_back({Expected::END, e.message});
+            } else {
+                if (m_mailAccepted)
+                    m_smtp.SetError(data.textId, code);
+                if (code == data.code)  // a server that took DATA without a sender gets an empty message first
+                    Queue(".\r\n", Expected::IGNORE);
+                Queue("RSET\r\n", Expected::IGNORE);
             }
+            QueueNextMessage();
+            break;
         }
     }
-    return accepted;
+
+    CNyrSmtp& m_smtp;
+    const std::vector<CNyrMailMessage*>& m_messages;
+    std::vector<int>& m_results;
+    unsigned m_accepted = 0;
+    std::size_t m_next = 0;             // the next message to start
+    std::deque<Expected> m_expected;    // replies due, in the order of the commands
+    std::vector<std::string> m_commands;  // to go out with the next write
+    std::string m_header, m_body;       // the data of the message that got 354
+    bool m_withData = false;            // they go out with the next write
+    bool m_mailAccepted = false;        // the last MAIL read was accepted
+};
+
+unsigned CNyrSmtp::SendPipelined(const std::vector<CNyrMailMessage*>& messages, std::vector<int>& results)
+{
+    if (m_broken) {
+        results.assign(messages.size(), 0);
+        SetSocketError(ENOTCONN);
+        return 0;
+    }
+    return CPipelinedRun(*this, messages, results).Run();
 }
