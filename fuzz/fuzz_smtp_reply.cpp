@@ -1,6 +1,7 @@
 // SMTP replies and message bodies from arbitrary bytes: the reply reader
-// always makes progress within the buffer, and dot-stuffing leaves no line
-// that would end the data early and matches its rule read literally.
+// always makes progress within the buffer, and the body as sent holds no
+// bare CR or LF, no line that would end the data early, and reads back as
+// the text it came from.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -31,23 +32,31 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     NyrSmtpExtensions(input);
 
+    // The body as it goes on the wire: only CR LF line ends, and read back
+    // line by line with one leading dot removed (what a server does) it is
+    // the input with every line end made CR LF.
     std::string body = input;
     static Smtp smtp;
     smtp.PrepareBody(body);
     if (body.size() < 2 || body.compare(body.size() - 2, 2, "\r\n") != 0)
         std::abort();
-    if (body.compare(0, 3, ".\r\n") == 0 || body.find("\r\n.\r\n") != std::string::npos)
-        std::abort();
-    // The same as the rule read literally: replace from the start until no
-    // lone-dot line is left.
-    std::string expected = input;
-    if (expected.size() < 2 || expected.compare(expected.size() - 2, 2, "\r\n") != 0)
-        expected += "\r\n";
-    if (expected.compare(0, 3, ".\r\n") == 0)
-        expected.insert(0, 1, '.');
-    for (std::size_t at; (at = expected.find("\r\n.\r\n")) != std::string::npos;)
-        expected.replace(at, 5, "\r\n..\r\n");
-    if (body != expected)
+    std::string read, lines;
+    for (std::size_t at = 0; at < body.size();) {
+        const std::size_t end = body.find("\r\n", at);
+        const std::string line = body.substr(at, end - at);
+        if (line.find_first_of("\r\n") != std::string::npos || line == ".")
+            std::abort();
+        read += (line.empty() || line[0] != '.' ? line : line.substr(1)) + "\r\n";
+        at = end + 2;
+    }
+    for (std::size_t i = 0; i < input.size(); ++i) {
+        const bool crlf = input[i] == '\r' && i + 1 < input.size() && input[i + 1] == '\n';
+        lines += input[i] == '\r' || input[i] == '\n' ? "\r\n" : std::string(1, input[i]);
+        i += crlf;
+    }
+    if (lines.size() < 2 || lines.compare(lines.size() - 2, 2, "\r\n") != 0)
+        lines += "\r\n";
+    if (read != lines)
         std::abort();
     return 0;
 }

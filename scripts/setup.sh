@@ -10,7 +10,7 @@ nyr_packages() {
   local common="build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libssl-dev tzdata"
   case "$1" in
     main)  echo "$common libgeographiclib-dev" ;;
-    test)  echo "$common libgtest-dev libgmock-dev libssl-dev libgeographiclib-dev python3 python3-aiosmtpd xdg-utils" ;;
+    test)  echo "$common libgtest-dev libgmock-dev libssl-dev libgeographiclib-dev python3 python3-aiosmtpd xdg-utils postfix" ;;
     bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas clang postfix" ;;
   esac
 }
@@ -24,7 +24,7 @@ nyr_install_packages() {
   echo "Installing Debian packages: ${missing[*]}"
   local sudo=""
   [ "$(id -u)" -eq 0 ] || sudo="sudo"
-  # postfix only for its smtp-sink benchmark peer: no mail system configured, no daemon.
+  # postfix only for its smtp-sink test and benchmark peer: no mail system configured, no daemon.
   echo "postfix postfix/main_mailer_type select No configuration" | $sudo debconf-set-selections
   $sudo apt-get update -qq
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

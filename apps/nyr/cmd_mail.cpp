@@ -1,18 +1,26 @@
 // nyr mail compose | send | handoff: the mail classes at work.
-#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <ostream>
-#include <sstream>
 
 #include "command.h"
 #include "nyr/mail/mail_message_mime_container.h"
 #include "nyr/mail/mapi_send_mail.h"
 #include "nyr/mail/smtp.h"
+#include "nyr/mail/smtp_data_p.h"
+#include "nyr/platform/file_read.h"
 
 namespace {
 
 using namespace nyr::cli;
 
 extern const Command kMail;
+
+// Limits on the files the tool reads (documented in the usage text).
+constexpr std::size_t kMaxBodyFile = 16u << 20;
+constexpr std::size_t kMaxPasswordFile = 4096;
+constexpr long long kMaxAttachment = 256ll << 20;
 
 // The message classes' address rules, reachable from here.
 struct Message : CNyrMailMessageMimeContainer
@@ -26,6 +34,7 @@ struct MailOptions
 {
     std::optional<std::string> from, replyTo, subject, body, bodyFile, mailer;
     std::vector<std::string> to, cc, bcc, attach;
+    bool legacyBase64 = false;
 };
 
 void TakeMailOptions(std::vector<std::string>& args, MailOptions& o, bool& missing)
@@ -40,30 +49,36 @@ void TakeMailOptions(std::vector<std::string>& args, MailOptions& o, bool& missi
     o.cc = TakeOptions(args, "--cc", missing);
     o.bcc = TakeOptions(args, "--bcc", missing);
     o.attach = TakeOptions(args, "--attach", missing);
+    o.legacyBase64 = TakeFlag(args, "--legacy-base64");
 }
 
-bool ReadWholeFile(const std::string& path, std::string& content)
+// A whole regular file of at most `limit` bytes; otherwise "nyr mail FORM:
+// cannot read PATH: REASON" on err and false.
+bool ReadTextFile(const std::string& path, std::size_t limit, std::string& content, std::ostream& err,
+                  const char* form)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return false;
-    std::ostringstream all;
-    all << in.rdbuf();
-    content = all.str();
-    return true;
+    std::string error;
+    if (NyrReadRegularFile(path, limit, content, &error))
+        return true;
+    err << "nyr mail " << form << ": cannot read " << error << "\n";
+    return false;
 }
 
-// Mail text ends lines in "\r\n"; a command line or file usually has "\n".
-std::string MailLines(const std::string& text)
+// An attachment must be a readable regular file within the limit: the
+// library would send anything else as an empty attachment.
+bool CheckAttachment(const std::string& path, std::ostream& err, const char* form)
 {
-    std::string lines;
-    lines.reserve(text.size() + text.size() / 32);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r'))
-            lines += '\r';
-        lines += text[i];
-    }
-    return lines;
+    std::string error;
+    const int fd = NyrOpenRegularFile(path, &error);
+    struct stat info{};
+    if (fd >= 0 && fstat(fd, &info) == 0 && info.st_size > kMaxAttachment)
+        error = path + ": larger than " + std::to_string(kMaxAttachment) + " bytes";
+    if (fd >= 0)
+        close(fd);
+    if (error.empty())
+        return true;
+    err << "nyr mail " << form << ": cannot read " << error << "\n";
+    return false;
 }
 
 // The body text from --body or --body-file with mail line ends; an exit
@@ -75,13 +90,11 @@ int BodyText(const MailOptions& o, bool required, std::string& body, std::ostrea
         return UsageError(kMail, err, "--body and --body-file exclude each other");
     if (required && !o.body && !o.bodyFile)
         return UsageError(kMail, err, std::string(form) + " needs --body or --body-file");
-    if (o.bodyFile && !ReadWholeFile(*o.bodyFile, body)) {
-        err << "nyr mail " << form << ": cannot read " << *o.bodyFile << "\n";
+    if (o.bodyFile && !ReadTextFile(*o.bodyFile, kMaxBodyFile, body, err, form))
         return kFailure;
-    }
     if (o.body)
         body = *o.body;
-    body = MailLines(body);
+    NyrSmtpWireLines(body, false);  // mail text ends lines in "\r\n"; a command line or file has "\n"
     return kSuccess;
 }
 
@@ -123,12 +136,11 @@ int BuildMessage(const MailOptions& o, Message& m, std::ostream& err, const char
     text->Charset("utf-8");  // the system code page
     m.AddMimePart(text);
     for (const auto& path : o.attach) {
-        // The library sends an unreadable file as an empty attachment; the tool refuses it.
-        if (!std::ifstream(path, std::ios::binary)) {
-            err << "nyr mail " << form << ": cannot read " << path << "\n";
+        if (!CheckAttachment(path, err, form))
             return kFailure;
-        }
-        m.AddMimePart(new CNyrMailMessageMimePartBinary(path.c_str()));
+        auto* part = new CNyrMailMessageMimePartBinary(path.c_str());
+        part->StandardBase64(o.legacyBase64 ? 0 : 1);
+        m.AddMimePart(part);
     }
     return kSuccess;
 }
@@ -172,6 +184,7 @@ int RunSend(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     const auto timeout = TakeOption(args, "--timeout", missing);
     const bool startTls = TakeFlag(args, "--starttls");
     const bool tls = TakeFlag(args, "--tls");
+    const bool pipelining = TakeFlag(args, "--pipelining");
     if (const int status = CheckAllTaken(args, missing, err); status != kSuccess)
         return status;
     if (!server)
@@ -192,14 +205,13 @@ int RunSend(std::vector<std::string>& args, std::ostream& out, std::ostream& err
         return status;
     CNyrSmtp smtp(*server, static_cast<unsigned>(portNumber));
     smtp.Security(tls ? CNyrSmtp::SECURITY_TLS : startTls ? CNyrSmtp::SECURITY_STARTTLS : CNyrSmtp::SECURITY_NONE);
+    smtp.Pipelining(pipelining ? 1 : 0);
     if (caFile)
         smtp.TrustedCertificates(*caFile);
     if (user) {
         std::string password;
-        if (!ReadWholeFile(*passwordFile, password)) {
-            err << "nyr mail send: cannot read " << *passwordFile << "\n";
+        if (!ReadTextFile(*passwordFile, kMaxPasswordFile, password, err, "send"))
             return kFailure;
-        }
         password = password.substr(0, password.find_first_of("\r\n"));  // the first line
         smtp.Credentials(*user, password);
     }
@@ -272,20 +284,27 @@ const Command kMail{
     "mail", "compose a MIME message, send it over SMTP, or hand it to the mail client",
     "Usage: nyr mail compose MESSAGE\n"
     "       nyr mail send --server HOST [--port P] [--starttls | --tls] [--ca-file PEM]\n"
-    "                     [--user NAME --password-file FILE] [--timeout SECONDS] MESSAGE\n"
+    "                     [--user NAME --password-file FILE] [--timeout SECONDS]\n"
+    "                     [--pipelining] MESSAGE\n"
     "       nyr mail handoff [--to A]... [--cc A]... [--bcc A]... [--subject S]\n"
     "                        [--body TEXT | --body-file FILE] [--attach FILE]...\n"
     "                        [--command CMD] [--dialog]\n\n"
     "MESSAGE: --from A --to A [--to A]... [--cc A]... [--bcc A]... [--reply-to A]\n"
     "         --subject S (--body TEXT | --body-file FILE) [--attach FILE]... [--mailer NAME]\n"
+    "         [--legacy-base64]\n"
     "An address A is \"name <address>\" or a bare address. The body becomes a\n"
-    "UTF-8 text part (\"\\n\" line ends become \"\\r\\n\"); each --attach a Base64 part.\n\n"
+    "UTF-8 text part (every line end becomes \"\\r\\n\"); each --attach a part in\n"
+    "standard Base64 (RFC 2045), or in the library's own form with --legacy-base64.\n"
+    "Files are read only when they are regular files: --body-file up to 16 MiB,\n"
+    "--password-file up to 4 KiB, each --attach up to 256 MiB.\n\n"
     "compose prints the message as it would be sent (header, blank line, body).\n"
     "send delivers it over SMTP: port 25, or 587 with --starttls, 465 with --tls;\n"
     "certificates are verified (--ca-file trusts more); the password is the\n"
     "first line of FILE and is sent over TLS only. --timeout replaces every\n"
-    "time-out (defaults: RFC 5321, up to 10 minutes). A refused recipient does\n"
-    "not stop the message: it is reported as a warning.\n"
+    "time-out (defaults: RFC 5321, up to 10 minutes; each reply must be complete\n"
+    "within its time-out). --pipelining sends the commands of the transaction\n"
+    "together when the server offers PIPELINING (RFC 2920). A refused recipient\n"
+    "does not stop the message: it is reported as a warning.\n"
     "handoff gives the mail to the user's mail client through xdg-email (or\n"
     "CMD); --dialog disables the application while the client runs.\n",
     RunMail};

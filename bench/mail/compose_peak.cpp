@@ -1,5 +1,6 @@
-// Composes one message with the attachment given and prints the process's
-// peak resident memory before and after, in KiB: "baseline N", "peak N".
+// Composes one message with the attachment given, in standard Base64 or
+// with "library" in the library's own form, and prints the process's peak
+// resident memory before and after, in KiB: "baseline N", "peak N".
 #include <sys/resource.h>
 
 #include <cstdio>
@@ -20,8 +21,8 @@ long PeakKiB()
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: mail_compose_peak FILE\n");
+    if (argc < 2 || argc > 3) {
+        std::fprintf(stderr, "usage: mail_compose_peak FILE [library]\n");
         return 2;
     }
     std::printf("baseline %ld\n", PeakKiB());
@@ -30,7 +31,9 @@ int main(int argc, char** argv)
     m.AddRecipient("bob@example.org", CNyrMailMessage::TO);
     m.Subject("Scan data");
     m.AddMimePart(new CNyrMailMessageMimePartText("The scan is attached.\r\n"));
-    m.AddMimePart(new CNyrMailMessageMimePartBinary(argv[1]));
+    auto* attachment = new CNyrMailMessageMimePartBinary(argv[1]);
+    attachment->StandardBase64(argc == 3 && std::string(argv[2]) == "library" ? 0 : 1);
+    m.AddMimePart(attachment);
     const std::string header = m.Header();
     const std::string body = m.Body();
     std::printf("peak %ld\nsize %zu\n", PeakKiB(), header.size() + body.size());

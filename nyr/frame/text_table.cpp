@@ -277,6 +277,8 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26303, "Move &Up"},
     {26304, "Move &Down"},
     {26305, "&Defaults"},
+    // Mail: addresses refused before sending
+    {26320, "The mail address is not valid."},
     // Leap-second lists
     {26330, "The leap-second list cannot be read: %s"},
     {26331, "Line %d of the leap-second list %s cannot be read."},

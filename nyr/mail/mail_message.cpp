@@ -221,11 +221,10 @@ void CNyrMailMessage::MailerNameDefault(const char* name)
 
 int CNyrMailMessage::CheckMailAddress(MAIL_ADDRESS address) const
 {
-    if (address.address.empty() || address.address.find_first_of(" \"<>") != std::string::npos ||
-        address.name.find_first_of("\"@<>") != std::string::npos)
-        return 0;
-    // Refused so that no address or name can break a header line or an SMTP command.
-    if (NyrMailText::HasControlCharacter(address.address) || NyrMailText::HasControlCharacter(address.name))
+    // Control characters are refused too, so that no address or name can
+    // break a header line or an SMTP command.
+    if (!NyrMailText::IsMailAddress(address.address) || address.name.find_first_of("\"@<>") != std::string::npos ||
+        NyrMailText::HasControlCharacter(address.name))
         return 0;
     return 1;
 }

@@ -1,6 +1,7 @@
 #include "nyr/mail/mail_message_mime_container.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 #include "nyr/mail/mail_text_p.h"
 
@@ -10,6 +11,25 @@ std::string& BoundaryDefaultValue()
 {
     static std::string value = "_NextPart_CNyrMail_1dE8e48F60beBCECoestrsf";
     return value;
+}
+
+// The part as a plain binary part (not a derived class): its body is the
+// file's Base64, which holds no "-" and can be encoded straight into place.
+const CNyrMailMessageMimePartBinary* PlainBinary(const CNyrMailMessageMimePart& part)
+{
+    return typeid(part) == typeid(CNyrMailMessageMimePartBinary)
+               ? static_cast<const CNyrMailMessageMimePartBinary*>(&part)
+               : nullptr;
+}
+
+// True when `text` holds `delimiter` at the start of a line: at its start or
+// after a CR or LF (lax readers end lines at either).
+bool HoldsDelimiter(std::string_view text, std::string_view delimiter)
+{
+    for (std::size_t at = text.find(delimiter); at != std::string_view::npos; at = text.find(delimiter, at + 1))
+        if (at == 0 || text[at - 1] == '\r' || text[at - 1] == '\n')
+            return true;
+    return false;
 }
 
 }  // namespace
@@ -26,7 +46,7 @@ std::string CNyrMailMessageMimeContainer::Header() const
     if (m_parts.size() == 1)
         header += m_parts.front()->Header();
     else
-        header += "Content-Type: multipart/mixed;\r\n\tboundary=" + NyrMailText::HeaderValue(m_boundary) + "\r\n";
+        header += "Content-Type: multipart/mixed;\r\n\tboundary=" + WireBoundary() + "\r\n";
     return header;
 }
 
@@ -37,28 +57,58 @@ std::string CNyrMailMessageMimeContainer::Body() const
     if (m_parts.size() == 1)
         return m_parts.front()->Body();
 
-    // Each part's body is made once and appended: the largest attachment is
-    // held twice at most (its body and the result). The capacity grows by
-    // half at least, so many small parts do not copy the result over and over.
-    const std::string separator = "\r\n--" + NyrMailText::HeaderValue(m_boundary);
-    std::string body = m_preMime;
-    for (const auto& part : m_parts) {
-        const std::string partHeader = part->Header();
-        const std::string partBody = part->Body();
-        const std::size_t need = body.size() + 2 * separator.size() + partHeader.size() + partBody.size() + 8 +
-                                 m_postMime.size();
-        if (need > body.capacity())
-            body.reserve(std::max(need, body.capacity() + body.capacity() / 2));
+    // Other parts' bodies are made first; plain binary parts are encoded
+    // straight into the result, which is sized beforehand from their files,
+    // so the largest attachment is held once.
+    const std::string separator = "\r\n--" + WireBoundary();
+    std::vector<std::string> headers, bodies;
+    std::size_t need = m_preMime.size() + m_postMime.size() + separator.size() + 4;
+    for (const auto& owned : m_parts) {
+        const CNyrMailMessageMimePart& part = *owned;
+        headers.push_back(part.Header());
+        const auto* binary = PlainBinary(part);
+        bodies.push_back(binary ? std::string() : part.Body());
+        need += separator.size() + 4 + headers.back().size();
+        need += binary ? binary->BodySizeBound() : bodies.back().size();
+    }
+    std::string body;
+    body.reserve(need);
+    body += m_preMime;
+    for (std::size_t i = 0; i < m_parts.size(); ++i) {
         body += separator;
         body += "\r\n";
-        body += partHeader;
+        body += headers[i];
         body += "\r\n";
-        body += partBody;
+        if (const auto* binary = PlainBinary(*m_parts[i]))
+            binary->AppendBody(body);
+        else
+            body += bodies[i];
     }
     body += separator;
     body += "--\r\n";
     body += m_postMime;
     return body;
+}
+
+std::string CNyrMailMessageMimeContainer::WireBoundary() const
+{
+    // The texts a receiver reads as lines before the closing delimiter; a
+    // plain binary part's Base64 is not encoded for this.
+    std::vector<std::string> texts = {m_preMime};
+    for (const auto& owned : m_parts) {
+        texts.push_back(owned->Header());
+        if (!PlainBinary(*owned))
+            texts.push_back(owned->Body());
+    }
+    const std::string base = NyrMailText::HeaderValue(m_boundary);
+    std::string boundary = base;
+    for (unsigned suffix = 1;; ++suffix) {
+        const std::string delimiter = "--" + boundary;
+        if (std::none_of(texts.begin(), texts.end(),
+                         [&](const std::string& text) { return HoldsDelimiter(text, delimiter); }))
+            return boundary;
+        boundary = base + "_" + std::to_string(suffix);
+    }
 }
 
 std::string CNyrMailMessageMimeContainer::Boundary() const

@@ -21,6 +21,12 @@
 // The plain body is not used once there are parts: reader text goes into a
 // text part.
 //
+// When a part (its header or body) or the pre-MIME text holds the delimiter
+// "--<boundary>" at the start of a line, which a receiver would take for the
+// start of another part, the message is written with the first of
+// "<boundary>_1", "<boundary>_2", ... that none holds; Boundary() still
+// returns the boundary as set. Other messages keep the exact form above.
+//
 // Copying is not allowed (the parts are owned); the parts are deleted with
 // the container.
 class NYR_EXPORT CNyrMailMessageMimeContainer : public CNyrMailMessage
@@ -52,6 +58,9 @@ public:
     static void BoundaryDefault(const std::string& boundary);
 
 private:
+    // The boundary Header() and Body() write: Boundary(), or the first free suffixed form.
+    std::string WireBoundary() const;
+
     std::vector<std::unique_ptr<CNyrMailMessageMimePart>> m_parts;
     std::string m_boundary;
     std::string m_preMime;

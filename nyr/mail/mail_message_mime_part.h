@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "nyr/platform/export.h"
@@ -67,9 +68,19 @@ private:
 //   Content-type: <type>; name="<file>"
 //   Content-Disposition: <disposition>; filename="<file>"
 //   Content-transfer-encoding: <encoding>
-// Body() is the whole file in the library's Base64 (NyrEncodeBase64, lines of
-// 76 characters) whatever encoding the header names; an unreadable file gives
-// an empty body, the header is written all the same.
+// <file> is an RFC 2045 quoted string: '"' and '\' are escaped with a
+// backslash (a"b.txt is written "a\"b.txt"). A name with bytes outside
+// printable ASCII (UTF-8, control characters) gets the RFC 2231 form in
+// front of the plain one, `name*=UTF-8''<percent-encoded>; name="..."` and
+// `filename*=...; filename="..."`, which gives it exactly.
+//
+// Body() is the whole file in Base64 with lines of 76 characters whatever
+// encoding the header names: the library's own form (NyrEncodeBase64) by
+// default, standard RFC 2045 Base64 with StandardBase64(1), which strict
+// decoders (Python's email package, mail filters) need. Only a regular file
+// is read, up to the size it had when opened; anything else (missing,
+// unreadable, a folder, a FIFO, a device, too large for memory) gives an
+// empty body, the header is written all the same.
 class NYR_EXPORT CNyrMailMessageMimePartBinary : public CNyrMailMessageMimePart
 {
 public:
@@ -87,18 +98,32 @@ public:
     virtual void ContentDisposition(const char* disposition);
     virtual std::string ContentTransferEncoding() const;
     virtual void ContentTransferEncoding(const char* encoding);
+    // 1: Body() is standard RFC 2045 Base64; 0: the library's own form.
+    int StandardBase64() const;
+    void StandardBase64(int standard);
 
-    // Defaults for later constructions: "application/octet-stream", "attachment", "Base64".
+    // Defaults for later constructions: "application/octet-stream", "attachment", "Base64",
+    // and 0 for StandardBase64 (the library's own form).
     static std::string ContentTypeDefault();
     static void ContentTypeDefault(const char* type);
     static std::string ContentDispositionDefault();
     static void ContentDispositionDefault(const char* disposition);
     static std::string ContentTransferEncodingDefault();
     static void ContentTransferEncodingDefault(const char* encoding);
+    static int StandardBase64Default();
+    static void StandardBase64Default(int standard);
 
 private:
+    friend class CNyrMailMessageMimeContainer;
+    // Appends Body() to `out`; the standard form is encoded straight into
+    // it, so a container holds a large attachment once.
+    void AppendBody(std::string& out) const;
+    // At least the size of Body(), from the file's size now (0 when unreadable).
+    std::size_t BodySizeBound() const;
+
     std::string m_path;
     std::string m_contentType;
     std::string m_disposition;
     std::string m_transferEncoding;
+    int m_standardBase64;
 };

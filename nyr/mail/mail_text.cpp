@@ -23,6 +23,32 @@ bool HasControlCharacter(std::string_view text)
     return false;
 }
 
+bool IsMailAddress(std::string_view address)
+{
+    return !address.empty() && address.find_first_of(" \"<>") == std::string_view::npos &&
+           !HasControlCharacter(address);
+}
+
+std::string PercentEncoded(std::string_view text, std::string_view keep)
+{
+    static const char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(text.size() + text.size() / 2);
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool unreserved = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+                                (byte >= '0' && byte <= '9') || c == '-' || c == '.' || c == '_' || c == '~';
+        if (unreserved || (byte != 0 && keep.find(c) != std::string_view::npos)) {
+            out += c;
+        } else {
+            out += '%';
+            out += kHex[byte >> 4];
+            out += kHex[byte & 15];
+        }
+    }
+    return out;
+}
+
 std::string FileName(std::string_view path)
 {
     const std::size_t slash = path.rfind('/');

@@ -1,26 +1,21 @@
 #include "nyr/mail/mapi_send_mail.h"
 
-#include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
-#include <climits>
 #include <cstdlib>
-#include <fstream>
-#include <thread>
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
+#include "nyr/mail/mail_client_p.h"
 #include "nyr/mail/mail_text_p.h"
+#include "nyr/mail/mailto_p.h"
+#include "nyr/mail/smtp_data_p.h"
+#include "nyr/platform/file_read.h"
 
-extern char** environ;
-
+using NyrMailClient::FindProgram;
 using NyrMailHelper::MAIL_ADDRESS;
 
 namespace {
@@ -31,11 +26,6 @@ enum : unsigned
     kTextNotWorking = 26294,
     kMessageBoxIconError = 0x10,
 };
-
-// Bounds on the helper programs run to check the command and find the mail
-// client; the hand-off itself waits for as long as the user composes.
-constexpr auto kHelperTimeout = std::chrono::seconds(10);
-constexpr std::size_t kMaxHelperOutput = 64 * 1024;
 
 std::string& CommandDefaultValue()
 {
@@ -49,233 +39,98 @@ std::vector<std::string>& AttachmentClientList()
     return programs;
 }
 
-bool IsExecutableFile(const std::string& path)
+// True when the file name of a client holds one of `programs`.
+bool NamesOneOf(const std::string& client, const std::vector<std::string>& programs)
 {
-    struct stat info{};
-    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) && access(path.c_str(), X_OK) == 0;
-}
-
-// The program a command names: a path as it is, a bare name looked up on PATH.
-std::string FindProgram(const std::string& command)
-{
-    if (command.empty())
-        return {};
-    if (command.find('/') != std::string::npos)
-        return IsExecutableFile(command) ? command : std::string();
-    const char* path = std::getenv("PATH");
-    std::string_view dirs = path && *path ? path : "/usr/local/bin:/usr/bin:/bin";
-    for (;;) {
-        const std::size_t colon = dirs.find(':');
-        const std::string_view dir = dirs.substr(0, colon);  // an empty entry is the current folder
-        const std::string candidate = std::string(dir.empty() ? std::string_view(".") : dir) + "/" + command;
-        if (IsExecutableFile(candidate))
-            return candidate;
-        if (colon == std::string_view::npos)
-            return {};
-        dirs.remove_prefix(colon + 1);
-    }
-}
-
-struct ProcessResult
-{
-    bool started = false;
-    bool finished = false;  // false: killed after the time limit
-    int status = 0;         // as waitpid reports it
-    std::string out;        // standard output when captured
-};
-
-// Runs `argv` (argv[0] a full path) with standard input from /dev/null.
-// `capture`: standard output is collected (up to kMaxHelperOutput) and
-// standard error discarded; otherwise both are the caller's. A `limited` run
-// is killed after kHelperTimeout.
-ProcessResult Run(const std::vector<std::string>& argv, bool capture, bool limited)
-{
-    ProcessResult result;
-    int pipeFds[2] = {-1, -1};
-    if (capture && pipe2(pipeFds, O_CLOEXEC) != 0)
-        return result;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    if (capture) {
-        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], 1);
-        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    }
-    std::vector<char*> args;
-    for (const auto& a : argv)
-        args.push_back(const_cast<char*>(a.c_str()));
-    args.push_back(nullptr);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (capture)
-        close(pipeFds[1]);
-    if (spawned != 0) {
-        if (capture)
-            close(pipeFds[0]);
-        return result;
-    }
-    result.started = true;
-
-    const auto deadline = std::chrono::steady_clock::now() + kHelperTimeout;
-    auto msLeft = [&] {
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        return static_cast<int>(std::max<long long>(left.count(), 0));
-    };
-    if (capture) {
-        pollfd p{pipeFds[0], POLLIN, 0};
-        while (msLeft() > 0) {
-            const int ready = poll(&p, 1, msLeft());
-            if (ready < 0 && errno == EINTR)
-                continue;
-            if (ready <= 0)
-                break;
-            char buffer[4096];
-            const ssize_t n = read(pipeFds[0], buffer, sizeof buffer);
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0)
-                break;
-            if (result.out.size() < kMaxHelperOutput)
-                result.out.append(buffer, static_cast<std::size_t>(n));
-        }
-        close(pipeFds[0]);
-    }
-    for (;;) {
-        const pid_t done = waitpid(pid, &result.status, limited ? WNOHANG : 0);
-        if (done == pid) {
-            result.finished = true;
-            return result;
-        }
-        if (done < 0 && errno != EINTR)
-            return result;  // reaped by someone else (a SIGCHLD handler of the host): status unknown
-        if (limited && msLeft() == 0) {
-            kill(pid, SIGKILL);
-            while (waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
-            }
-            return result;
-        }
-        if (limited)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-}
-
-std::string Trimmed(std::string text)
-{
-    const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-// The program an Exec line of a desktop entry runs: its first word, unquoted.
-std::string ExecProgram(const std::string& exec)
-{
-    std::string line = Trimmed(exec);
-    if (!line.empty() && line[0] == '"') {
-        const auto close = line.find('"', 1);
-        return line.substr(1, close == std::string::npos ? std::string::npos : close - 1);
-    }
-    return line.substr(0, line.find_first_of(" \t"));
-}
-
-// The Exec value of the desktop entry `id`, looked up by the freedesktop
-// desktop-entry rules: $XDG_DATA_HOME, then $XDG_DATA_DIRS, "applications/",
-// with a "vendor-app.desktop" also found as "vendor/app.desktop".
-std::string DesktopEntryExec(const std::string& id)
-{
-    const char* home = std::getenv("HOME");
-    const char* dataHome = std::getenv("XDG_DATA_HOME");
-    const char* dataDirs = std::getenv("XDG_DATA_DIRS");
-    std::string search = dataHome && *dataHome ? dataHome : std::string(home ? home : "") + "/.local/share";
-    search += ":";
-    search += dataDirs && *dataDirs ? dataDirs : "/usr/local/share:/usr/share";
-    std::vector<std::string> names = {id};
-    if (const auto dash = id.find('-'); dash != std::string::npos)
-        names.push_back(id.substr(0, dash) + "/" + id.substr(dash + 1));
-    std::string_view dirs = search;
-    for (;;) {
-        const std::size_t colon = dirs.find(':');
-        const std::string dir(dirs.substr(0, colon));
-        for (const auto& name : names) {
-            std::ifstream file(dir + "/applications/" + name);
-            std::string line;
-            bool inEntry = false;
-            while (file && std::getline(file, line)) {
-                if (!line.empty() && line[0] == '[')
-                    inEntry = Trimmed(line) == "[Desktop Entry]";
-                else if (inEntry && line.compare(0, 5, "Exec=") == 0)
-                    return line.substr(5);
-            }
-        }
-        if (colon == std::string_view::npos)
-            return {};
-        dirs.remove_prefix(colon + 1);
-    }
-}
-
-// The file name of the user's mail client as xdg-email finds it: $MAILER
-// when set, else the mailto handler that xdg-mime reports. Empty when unknown.
-std::string MailClientName()
-{
-    std::string program;
-    if (const char* mailer = std::getenv("MAILER"); mailer && *mailer) {
-        const std::string_view list = mailer;
-        program = ExecProgram(std::string(list.substr(0, list.find(':'))));
-    } else {
-        const std::string xdgMime = FindProgram("xdg-mime");
-        if (xdgMime.empty())
-            return {};
-        const ProcessResult query = Run({xdgMime, "query", "default", "x-scheme-handler/mailto"}, true, true);
-        const std::string id = Trimmed(query.out);
-        if (!query.finished || id.empty() || id.find('/') != std::string::npos)
-            return {};
-        program = ExecProgram(DesktopEntryExec(id));
-    }
-    std::string path = FindProgram(program);
-    if (path.empty())
-        return {};
-    if (char* real = realpath(path.c_str(), nullptr)) {  // a link is named after its target, as xdg-email does
-        path = real;
-        std::free(real);
-    }
-    return NyrMailText::FileName(path);
-}
-
-bool TakesAttachments(const std::string& client)
-{
-    if (client.empty())
-        return false;
-    for (const auto& name : AttachmentClientList())
-        if (!name.empty() && client.find(name) != std::string::npos)
+    for (const auto& name : programs)
+        if (!client.empty() && !name.empty() && client.find(name) != std::string::npos)
             return true;
     return false;
 }
 
-// Mail text with "\r\n" line ends as xdg-email takes it: "\n" line ends.
-std::string PlainLines(const char* text)
+// Mail clients that read a -compose argument. xdg-email would hand them the
+// fields through a shell, which interprets backslashes and quotes.
+bool IsThunderbirdFamily(const std::string& client)
+{
+    return NamesOneOf(client, {"thunderbird", "icedove"});
+}
+
+// The subject as one line: each line break (CR LF, CR or LF) a blank.
+std::string SubjectLine(const char* subject)
+{
+    std::string lines = subject ? subject : "";
+    NyrSmtpWireLines(lines, false);
+    std::string line;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        line += lines[i] == '\r' ? ' ' : lines[i];
+        i += lines[i] == '\r';  // the LF after it
+    }
+    return line;
+}
+
+// The note text with CR LF line ends (RFC 6068), as mail texts have them.
+std::string BodyLines(const char* text)
 {
     std::string lines = text ? text : "";
-    std::string::size_type at = 0;
-    while ((at = lines.find("\r\n", at)) != std::string::npos)
-        lines.erase(at, 1);
+    NyrSmtpWireLines(lines, false);
     return lines;
 }
 
-unsigned long MapExit(const ProcessResult& run)
+unsigned long TakeRecipients(const CNyrMapiSendMail::MapiMessage& message, NyrHandOffMail& mail)
 {
-    if (!run.started || !run.finished)
+    std::vector<std::string>* lists[] = {nullptr, &mail.to, &mail.cc, &mail.bcc};
+    for (unsigned long i = 0; i < message.nRecipCount; ++i) {
+        const CNyrMapiSendMail::MapiRecipDesc& recipient = message.lpRecips[i];
+        if (recipient.ulRecipClass < CNyrMapiSendMail::MAPI_TO || recipient.ulRecipClass > CNyrMapiSendMail::MAPI_BCC)
+            return CNyrMapiSendMail::MAPI_E_BAD_RECIPTYPE;
+        std::string text;
+        if (!NyrHandOffRecipient(recipient.lpszName ? recipient.lpszName : "",
+                                 recipient.lpszAddress ? recipient.lpszAddress : "", text))
+            return CNyrMapiSendMail::MAPI_E_INVALID_RECIPS;
+        lists[recipient.ulRecipClass]->push_back(text);
+    }
+    return CNyrMapiSendMail::SUCCESS_SUCCESS;
+}
+
+// Each attachment as its absolute path, links resolved: a missing file is
+// MAPI_E_ATTACHMENT_NOT_FOUND, one that is not a readable regular file
+// MAPI_E_ATTACHMENT_OPEN_FAILURE.
+unsigned long TakeFiles(const CNyrMapiSendMail::MapiMessage& message, NyrHandOffMail& mail)
+{
+    for (unsigned long i = 0; i < message.nFileCount; ++i) {
+        const char* path = message.lpFiles[i].lpszPathName;
+        char* real = path && *path ? realpath(path, nullptr) : nullptr;
+        if (!real)
+            return !path || !*path || errno == ENOENT || errno == ENOTDIR
+                       ? CNyrMapiSendMail::MAPI_E_ATTACHMENT_NOT_FOUND
+                       : CNyrMapiSendMail::MAPI_E_ATTACHMENT_OPEN_FAILURE;
+        mail.files.push_back(real);
+        std::free(real);
+        const int fd = NyrOpenRegularFile(mail.files.back());
+        if (fd < 0)
+            return CNyrMapiSendMail::MAPI_E_ATTACHMENT_OPEN_FAILURE;
+        close(fd);
+    }
+    return CNyrMapiSendMail::SUCCESS_SUCCESS;
+}
+
+unsigned long MapResult(const NyrMailClient::Process& run)
+{
+    if (run.spawnError == E2BIG)  // the text does not fit on a command line
+        return CNyrMapiSendMail::MAPI_E_TEXT_TOO_LARGE;
+    if (run.spawnError || !run.finished)
         return CNyrMapiSendMail::MAPI_E_FAILURE;
     auto interrupted = [](int signal) { return signal == SIGINT || signal == SIGTERM || signal == SIGHUP; };
     if (WIFSIGNALED(run.status))
         return interrupted(WTERMSIG(run.status)) ? CNyrMapiSendMail::MAPI_USER_ABORT
                                                  : CNyrMapiSendMail::MAPI_E_FAILURE;
     const int code = WIFEXITED(run.status) ? WEXITSTATUS(run.status) : -1;
-    if (code == 0)
-        return CNyrMapiSendMail::SUCCESS_SUCCESS;
-    if (code == 2)  // xdg-email: a file does not exist
-        return CNyrMapiSendMail::MAPI_E_ATTACHMENT_NOT_FOUND;
+    switch (code) {
+    case 0: return CNyrMapiSendMail::SUCCESS_SUCCESS;
+    case 2: return CNyrMapiSendMail::MAPI_E_ATTACHMENT_NOT_FOUND;     // xdg-email: a file does not exist
+    case 5: return CNyrMapiSendMail::MAPI_E_ATTACHMENT_OPEN_FAILURE;  // xdg-email: a file cannot be read
+    default: break;
+    }
     if (code > 128 && interrupted(code - 128))  // xdg-email passes on the status of a helper ended by a signal
         return CNyrMapiSendMail::MAPI_USER_ABORT;
     return CNyrMapiSendMail::MAPI_E_FAILURE;
@@ -369,8 +224,11 @@ int CNyrMapiSendMail::InitializeMapiLib()
     if (!m_program.empty())
         return 1;
     const std::string program = FindProgram(m_command);
-    const ProcessResult check = program.empty() ? ProcessResult{} : Run({program, "--version"}, true, true);
-    if (!check.started) {
+    NyrMailClient::Process check;
+    check.spawnError = ENOENT;
+    if (!program.empty())
+        check = NyrMailClient::Run({program, "--version"}, true, true);
+    if (check.spawnError) {
         NyrMessageBox(NyrLoadString(kTextCannotStart), {}, kMessageBoxIconError);
         return 0;
     }
@@ -390,34 +248,28 @@ unsigned long CNyrMapiSendMail::SendMail(unsigned long, WindowHandle, MapiMessag
         return MAPI_E_FAILURE;
     CurrentDirectoryKeeper keepDirectory;
 
-    std::vector<std::string> argv = {m_program, "--utf8"};
-    for (unsigned long i = 0; i < message->nRecipCount; ++i) {
-        const MapiRecipDesc& recipient = message->lpRecips[i];
-        static const char* const kOptions[] = {nullptr, "--to", "--cc", "--bcc"};
-        if (recipient.ulRecipClass < MAPI_TO || recipient.ulRecipClass > MAPI_BCC)
-            return MAPI_E_BAD_RECIPTYPE;
-        // Without an address the client may resolve the name.
-        const char* address = recipient.lpszAddress && *recipient.lpszAddress ? recipient.lpszAddress
-                                                                                : recipient.lpszName;
-        if (!address || !*address || NyrMailText::HasControlCharacter(address))
-            return MAPI_E_INVALID_RECIPS;
-        argv.insert(argv.end(), {kOptions[recipient.ulRecipClass], address});
+    NyrHandOffMail mail;
+    if (const unsigned long refused = TakeRecipients(*message, mail))
+        return refused;
+    if (const unsigned long refused = TakeFiles(*message, mail))
+        return refused;
+    mail.subject = SubjectLine(message->lpszSubject);
+    mail.body = BodyLines(message->lpszNoteText);
+
+    const bool xdgEmail = NyrMailText::FileName(m_program) == "xdg-email";
+    const std::string client = xdgEmail || !mail.files.empty() ? NyrMailClient::MailClientPath() : "";
+    const std::string clientName = NyrMailText::FileName(client);
+    std::vector<std::string> argv;
+    if (xdgEmail && IsThunderbirdFamily(clientName)) {
+        argv = {client, "-compose"};
+        if (const std::string compose = NyrThunderbirdCompose(mail); !compose.empty())
+            argv.push_back(compose);
+    } else if (!mail.files.empty() && !NamesOneOf(clientName, AttachmentClientList())) {
+        return MAPI_E_ATTACHMENT_OPEN_FAILURE;  // the client would drop them silently
+    } else {
+        argv = {m_program, NyrMailtoUri(mail, true)};
     }
-    if (const std::string subject = NyrMailText::HeaderValue(PlainLines(message->lpszSubject)); !subject.empty())
-        argv.insert(argv.end(), {"--subject", subject});
-    if (const std::string text = PlainLines(message->lpszNoteText); !text.empty())
-        argv.insert(argv.end(), {"--body", text});
-    if (message->nFileCount > 0) {
-        if (!TakesAttachments(MailClientName()))
-            return MAPI_E_ATTACHMENT_OPEN_FAILURE;
-        for (unsigned long i = 0; i < message->nFileCount; ++i) {
-            const char* path = message->lpFiles[i].lpszPathName;
-            if (!path || !*path)
-                return MAPI_E_ATTACHMENT_NOT_FOUND;
-            argv.insert(argv.end(), {"--attach", path});
-        }
-    }
-    return MapExit(Run(argv, false, false));
+    return MapResult(NyrMailClient::Run(argv, false, false));
 }
 
 unsigned long CNyrMapiSendMail::Logon(unsigned long, const char*, const char*, unsigned long, unsigned long* session)

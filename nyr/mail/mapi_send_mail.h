@@ -10,30 +10,50 @@
 // mail client, which may show its compose window, instead of sending it
 // itself as CNyrSmtp does. The interface is Simple MAPI's; on Linux the
 // mail client is reached through freedesktop's xdg-email command (settable),
-// started with an argument vector (never a shell) and --utf8:
+// started with an argument vector (never a shell):
 //
 //   available            the command is found (a path, or a name on PATH)
 //   InitializeMapiLib    "<command> --version" runs and exits with 0
-//   SendMail             runs "<command> --utf8 --to A ... --cc A ... --bcc A ...
-//                        --subject S --body T --attach F ..." and waits for it
+//   SendMail             runs "<command> <mailto URI>" and waits for it
 //   Logon, Logoff        nothing to do: succeed with session 0 once initialised
 //
-// xdg-email's exit status maps to the MAPI results: 0 success; 2 (a missing
-// file) MAPI_E_ATTACHMENT_NOT_FOUND; an interrupted hand-off (the command, or
+// The mailto URI is built here, not by xdg-email, and handed over as one
+// argument: "mailto:?to=A&cc=C&bcc=D&subject=S&body=T&attach=F", every value
+// percent-encoded (RFC 6068), so every field arrives byte for byte whatever
+// it holds (\ ' " , & ? % # ; blanks, UTF-8). A recipient is its address, or
+// "Name <address>" (the name quoted when it holds ( ) [ ] : @ .). The subject
+// is one line (each line break becomes a blank); the text keeps its lines,
+// with CR LF line ends. Attachments go as absolute paths.
+//
+// Thunderbird-family clients (thunderbird, icedove: xdg-email would pass them
+// the fields through its shell) are started directly when the command is
+// xdg-email: "<client> -compose to=...,subject=...,body=...,attachment=..."
+// with every value percent-encoded and the attachments as file URLs.
+//
+// The user's mail client is $MAILER when set, else the program of the
+// x-scheme-handler/mailto handler that xdg-mime reports (its desktop entry
+// read up to 1 MiB, xdg-mime given 10 s). Attachments are handed over only
+// when it is one of AttachmentClients(), which take them from the URI or the
+// -compose argument; otherwise SendMail runs nothing and returns
+// MAPI_E_ATTACHMENT_OPEN_FAILURE ("The specified attachment could not be
+// opened."), since others drop them silently.
+//
+// Refused before anything runs: a recipient class other than To, Cc, Bcc
+// (MAPI_E_BAD_RECIPTYPE); a recipient without address and name, or whose
+// name or address holds a character a client's address list reads as
+// structure, which could add a recipient or an option (MAPI_E_INVALID_RECIPS:
+// a control character, " \ , ; < >, and in the address a blank, ( or )); an
+// attachment that does not exist (MAPI_E_ATTACHMENT_NOT_FOUND) or is not a
+// readable regular file (MAPI_E_ATTACHMENT_OPEN_FAILURE).
+//
+// Results: a mail too large for a command line (E2BIG, about 128 KiB of
+// encoded text) is MAPI_E_TEXT_TOO_LARGE ("The text in the message was too
+// large."); the command's exit status 0 is success, 2 (a file does not
+// exist) MAPI_E_ATTACHMENT_NOT_FOUND, 5 (a file cannot be read)
+// MAPI_E_ATTACHMENT_OPEN_FAILURE; an interrupted hand-off (the command, or
 // the helper it ran, ended by SIGINT, SIGTERM or SIGHUP: exit status 128 + n
 // or the signal itself) MAPI_USER_ABORT, the cancel; anything else
 // MAPI_E_FAILURE, the unspecified failure.
-//
-// Attachments: xdg-email passes them to Thunderbird-family clients itself and
-// as the "attach" field of the mailto URI to others, which may drop it
-// silently. So attachments are handed over only when the user's mail client
-// ($MAILER, else the x-scheme-handler/mailto handler that xdg-mime reports)
-// is one of AttachmentClients(); otherwise SendMail runs nothing and returns
-// MAPI_E_ATTACHMENT_OPEN_FAILURE ("The specified attachment could not be
-// opened.").
-//
-// Mail texts end lines in "\r\n"; they are handed over with "\n" (xdg-email
-// writes its own line ends). CR and LF in the subject become blanks.
 class NYR_EXPORT CNyrMapiSendMail
 {
 public:
@@ -96,6 +116,7 @@ public:
         MAPI_E_ATTACHMENT_NOT_FOUND = 11,
         MAPI_E_ATTACHMENT_OPEN_FAILURE = 12,
         MAPI_E_BAD_RECIPTYPE = 15,
+        MAPI_E_TEXT_TOO_LARGE = 18,
         MAPI_E_INVALID_RECIPS = 25,
         // Returned by SendMail, Logon and Logoff before InitializeMapiLib
         // succeeded: the number of the text "One or more unspecified errors

@@ -11,46 +11,20 @@
 #include "nyr/mail/mail_message.h"
 #include "nyr/mail/mail_text_p.h"
 #include "nyr/mail/smtp_channel_p.h"
+#include "nyr/mail/smtp_p.h"
 #include "nyr/mail/smtp_reply_p.h"
+#include "nyr/platform/file_read.h"
 #include "nyr/platform/string_format.h"
 
-namespace {
+using namespace NyrSmtpText;
 
-// Text numbers of the table.
-enum : unsigned
-{
-    kSmtpError = 26150,
-    kNameEmpty = 26155,
-    kNoSocket = 26156,
-    kNoConnect = 26157,
-    kNoGreeting = 26158,
-    kNotConnected = 26159,
-    kNoSender = 26160,
-    kNoRecipient = 26161,
-    kSocketNetworkDown = 26163,
-    kSocketNotConnected = 26164,
-    kSocketInProgress = 26165,
-    kSocketNotSocket = 26166,
-    kSocketNotStream = 26167,
-    kSocketShutDown = 26168,
-    kSocketWouldBlock = 26169,
-    kSocketTooLarge = 26170,
-    kSocketInvalid = 26171,
-    kSocketAborted = 26172,
-    kSocketReset = 26173,
-    kSocketError = 26174,
-    kControlCharacter = 26286,
-    kNoStartTls = 26287,
-    kTlsFailed = 26288,
-    kTlsUntrusted = 26289,
-    kAuthFailed = 26290,
-    kAuthNoMechanism = 26291,
-    kAuthNeedsTls = 26292,
-};
+namespace {
 
 // The longest whole reply the extended dialogue collects (an EHLO reply is a
 // few hundred bytes).
 constexpr std::size_t kMaxReply = 64 * 1024;
+// The largest file of trusted certificates read (a system bundle is about 200 KiB).
+constexpr std::size_t kMaxTrustFile = 4 * 1024 * 1024;
 
 unsigned SocketErrorText(int error)
 {
@@ -84,6 +58,12 @@ std::string LocalHostName()
     return name;
 }
 
+int& PipeliningDefaultValue()
+{
+    static int value = 0;
+    return value;
+}
+
 // Standard Base64 (RFC 4648) for AUTH: servers refuse the library's own form.
 std::string AuthBase64(const std::string& data)
 {
@@ -104,7 +84,10 @@ const CNyrSmtp::RESPONSE_CODE CNyrSmtp::s_ResponseTable[4] = {
 };
 
 CNyrSmtp::CNyrSmtp(std::string server, unsigned port)
-    : m_server(std::move(server)), m_port(port), m_socket(std::make_unique<CNyrSmtpChannel>())
+    : m_server(std::move(server)),
+      m_port(port),
+      m_socket(std::make_unique<CNyrSmtpChannel>()),
+      m_pipelining(PipeliningDefaultValue())
 {
 }
 
@@ -200,6 +183,29 @@ int CNyrSmtp::Timeouts(const TIMEOUTS& timeouts)
     return 1;
 }
 
+int CNyrSmtp::Pipelining() const
+{
+    return m_pipelining;
+}
+
+int CNyrSmtp::Pipelining(int on)
+{
+    if (m_connected)
+        return 0;
+    m_pipelining = on ? 1 : 0;
+    return 1;
+}
+
+int CNyrSmtp::PipeliningDefault()
+{
+    return PipeliningDefaultValue();
+}
+
+void CNyrSmtp::PipeliningDefault(int on)
+{
+    PipeliningDefaultValue() = on ? 1 : 0;
+}
+
 // --- errors and replies ---
 
 void CNyrSmtp::SetError(unsigned textId, unsigned code)
@@ -214,17 +220,24 @@ void CNyrSmtp::SetSocketError(int error)
 
 bool CNyrSmtp::ReadReply(std::string& reply)
 {
-    if (m_security == SECURITY_NONE) {
+    if (!m_socket->IsOpen() || m_broken) {
+        SetSocketError(ENOTCONN);
+        return false;
+    }
+    if (!m_wholeReplies) {
         // One receive per reply: only the start of what arrives counts.
         char buffer[1024];
         const long n = m_socket->Receive(buffer, sizeof buffer, m_waitMs);
-        if (n < 0) {
-            SetSocketError(errno);
+        if (n <= 0) {
+            Broken(n == 0 ? ESHUTDOWN : errno);
             return false;
         }
         reply.assign(buffer, static_cast<std::size_t>(n));
         return true;
     }
+    // One deadline for the whole reply, however it is cut up: a server that
+    // sends "220-" and then a byte a second times out all the same.
+    const auto deadline = CNyrSmtpChannel::Deadline::In(m_waitMs);
     for (;;) {
         if (const std::size_t length = NyrSmtpReplyLength(m_pending)) {
             reply = m_pending.substr(0, length);
@@ -232,19 +245,19 @@ bool CNyrSmtp::ReadReply(std::string& reply)
             return true;
         }
         if (m_pending.size() > kMaxReply) {
-            m_pending.clear();
-            SetSocketError(EMSGSIZE);
+            Broken(EMSGSIZE);
             return false;
         }
         char buffer[4096];
-        const long n = m_socket->Receive(buffer, sizeof buffer, m_waitMs);
-        if (n < 0) {
-            SetSocketError(errno);
+        const long n = m_socket->Receive(buffer, sizeof buffer, deadline);
+        if (n < 0 || (n == 0 && m_pending.empty())) {
+            Broken(n == 0 ? ESHUTDOWN : errno);
             return false;
         }
-        if (n == 0) {  // closed: what came is all the reply there is
+        if (n == 0) {  // closed after part of a reply: that part is all there is
             reply.swap(m_pending);
             m_pending.clear();
+            m_broken = true;
             return true;
         }
         m_pending.append(buffer, static_cast<std::size_t>(n));
@@ -275,10 +288,21 @@ int CNyrSmtp::Await(unsigned index, unsigned timeoutMs)
 
 bool CNyrSmtp::SendCommand(const std::string& command)
 {
+    if (m_broken || !m_socket->IsOpen()) {
+        SetSocketError(ENOTCONN);
+        return false;
+    }
     if (m_socket->Send({command}, m_timeouts.command))
         return true;
-    SetSocketError(errno);
+    Broken(errno);
     return false;
+}
+
+void CNyrSmtp::Broken(int error)
+{
+    SetSocketError(error);
+    m_broken = true;
+    m_pending.clear();
 }
 
 // Reads one whole reply and checks its code; a mismatch sets "<code>:<textId>".
@@ -301,13 +325,21 @@ void CNyrSmtp::Abort()
 {
     m_socket->Close();
     m_pending.clear();
+    m_broken = false;
 }
 
 // --- connection ---
 
 bool CNyrSmtp::SecureChannel()
 {
-    switch (m_socket->StartTls(m_server, m_trustFile, m_timeouts.connect)) {
+    // Only a regular file of bounded size: a FIFO or /dev/zero named here
+    // must not block or feed the client for ever.
+    std::string pem;
+    if (!m_trustFile.empty() && !NyrReadRegularFile(m_trustFile, kMaxTrustFile, pem)) {
+        SetError(kTlsUntrusted, 0);
+        return false;
+    }
+    switch (m_socket->StartTls(m_server, pem, m_timeouts.connect)) {
     case CNyrSmtpChannel::TLS_DONE: return true;
     case CNyrSmtpChannel::TLS_UNTRUSTED: SetError(kTlsUntrusted, 0); return false;
     case CNyrSmtpChannel::TLS_FAILED: break;
@@ -357,6 +389,31 @@ bool CNyrSmtp::LogIn(const std::string& ehloReply)
     return false;
 }
 
+// HELO, or EHLO with what the extensions need after it.
+bool CNyrSmtp::Greet()
+{
+    if (!m_wholeReplies)
+        return SendCommand("HELO " + LocalHostName() + "\r\n") && Await(0, m_timeouts.command);
+    std::string capabilities;
+    bool ok = Hello(capabilities);
+    if (!ok && !m_broken && m_security == SECURITY_NONE && m_user.empty()) {
+        capabilities.clear();  // a server that does not know EHLO: nothing is offered
+        ok = Expect(s_ResponseTable[0].code, s_ResponseTable[0].textId, "HELO " + LocalHostName() + "\r\n");
+    }
+    if (ok && m_security == SECURITY_STARTTLS) {
+        // Never a silent fall-back to plain text.
+        if (!NyrSmtpExtensions(capabilities).startTls) {
+            SetError(kNoStartTls, 0);
+            return false;
+        }
+        ok = StartTls() && Hello(capabilities);  // RFC 3207: forget what was offered before TLS
+    }
+    if (ok && !m_user.empty())
+        ok = LogIn(capabilities);
+    m_pipelined = ok && m_pipelining && NyrSmtpExtensions(capabilities).pipelining;
+    return ok;
+}
+
 int CNyrSmtp::Connect()
 {
     if (m_connected)
@@ -370,6 +427,8 @@ int CNyrSmtp::Connect()
         return 0;
     }
     m_pending.clear();
+    m_wholeReplies = m_security != SECURITY_NONE || m_pipelining;
+    m_pipelined = false;
     switch (m_socket->Open(m_server, m_port, m_timeouts.connect)) {
     case CNyrSmtpChannel::OPEN_DONE: break;
     case CNyrSmtpChannel::OPEN_NO_SOCKET: SetError(kNoSocket, 0); return 0;
@@ -384,30 +443,9 @@ int CNyrSmtp::Connect()
         Abort();
         return 0;
     }
-
-    if (m_security == SECURITY_NONE) {
-        if (!SendCommand("HELO " + LocalHostName() + "\r\n") || !Await(0, m_timeouts.command)) {
-            Abort();
-            return 0;
-        }
-    } else {
-        std::string capabilities;
-        bool ok = Hello(capabilities);
-        if (ok && m_security == SECURITY_STARTTLS) {
-            // Never a silent fall-back to plain text.
-            if (!NyrSmtpExtensions(capabilities).startTls) {
-                SetError(kNoStartTls, 0);
-                ok = false;
-            } else {
-                ok = StartTls() && Hello(capabilities);  // RFC 3207: forget what was offered before TLS
-            }
-        }
-        if (ok && !m_user.empty())
-            ok = LogIn(capabilities);
-        if (!ok) {
-            Abort();
-            return 0;
-        }
+    if (!Greet()) {
+        Abort();
+        return 0;
     }
     m_connected = 1;
     return 1;
@@ -417,107 +455,9 @@ int CNyrSmtp::Disconnect()
 {
     if (!m_connected)
         return 1;
-    const int result = SendCommand("QUIT\r\n") && Await(3, m_timeouts.command);
+    // After a transport failure nothing more is sent: the connection is only closed.
+    const int result = !m_broken && SendCommand("QUIT\r\n") && Await(3, m_timeouts.command);
     Abort();
     m_connected = 0;
     return result;
-}
-
-// --- messages ---
-
-int CNyrSmtp::SendMailMessage(CNyrMailMessage* message)
-{
-    if (!m_connected) {
-        SetError(kNotConnected, 0);
-        return 0;
-    }
-    CNyrBusyCursor busy;
-    return TransmitMailMessage(message);
-}
-
-int CNyrSmtp::PrepareHeader(std::string&)
-{
-    return 1;
-}
-
-int CNyrSmtp::PrepareBody(std::string& body)
-{
-    if (body.size() < 2 || body.compare(body.size() - 2, 2, "\r\n") != 0)
-        body += "\r\n";
-    // One pass gives what replacing "\r\n.\r\n" from the start until none is
-    // left gives: the search goes on at the "\r\n" that ends a doubled line,
-    // so "\r\n.\r\n.\r\n" doubles both dots.
-    const bool leadingDot = body.compare(0, 3, ".\r\n") == 0;
-    std::size_t found = body.find("\r\n.\r\n");
-    if (!leadingDot && found == std::string::npos)
-        return 1;
-    std::string stuffed;
-    stuffed.reserve(body.size() + body.size() / 64 + 1);
-    if (leadingDot)
-        stuffed += '.';
-    std::size_t from = 0;
-    while (found != std::string::npos) {
-        stuffed.append(body, from, found + 3 - from);  // up to and with the dot
-        stuffed += '.';
-        from = found + 3;
-        found = body.find("\r\n.\r\n", from);
-    }
-    stuffed.append(body, from, std::string::npos);
-    body.swap(stuffed);
-    return 1;
-}
-
-int CNyrSmtp::TransmitMailMessage(CNyrMailMessage* message)
-{
-    if (!message)
-        return 0;
-    if (!m_connected) {
-        SetError(kNotConnected, 0);
-        return 0;
-    }
-    const std::string sender = message->From().address;
-    if (sender.empty()) {
-        SetError(kNoSender, 0);
-        return 0;
-    }
-    if (message->GetNumRecipients() == 0) {
-        SetError(kNoRecipient, 0);
-        return 0;
-    }
-    // Every address goes into a command line: one holding CR, LF or another
-    // control character would end the command early. Refused before anything is sent.
-    std::vector<std::string> recipients;
-    bool clean = !NyrMailText::HasControlCharacter(sender);
-    for (const auto kind : {CNyrMailMessage::TO, CNyrMailMessage::CC, CNyrMailMessage::BCC}) {
-        std::string address, name;
-        for (unsigned i = 0; message->Recipient(address, name, i, kind); ++i) {
-            clean = clean && !NyrMailText::HasControlCharacter(address);
-            recipients.push_back(address);
-        }
-    }
-    if (!clean) {
-        SetError(kControlCharacter, 0);
-        return 0;
-    }
-
-    if (!SendCommand("MAIL From: <" + sender + ">\r\n") || !Await(0, m_timeouts.command))
-        return 0;
-    for (const auto& address : recipients) {
-        // A refused recipient only leaves its refusal in the last error (intended).
-        if (!SendCommand("RCPT TO: <" + address + ">\r\n"))
-            return 0;
-        Await(0, m_timeouts.command);
-    }
-    if (!SendCommand("DATA\r\n") || !Await(2, m_timeouts.dataStart))
-        return 0;
-
-    std::string header = message->Header();
-    PrepareHeader(header);
-    std::string body = message->Body();
-    PrepareBody(body);
-    if (!m_socket->Send({header, "\r\n", body, "\r\n.\r\n"}, m_timeouts.dataBlock)) {
-        SetSocketError(errno);
-        return 0;
-    }
-    return Await(0, m_timeouts.dataEnd);
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "nyr/platform/export.h"
 
@@ -33,10 +34,21 @@ class CNyrSmtpChannel;
 // succeed with the refusal in GetLastError()). A failed message leaves the
 // connection as the server has it; no RSET is sent.
 //
+// A transport failure (a time-out, a reset, a connection closed where a reply
+// was due: "0:Socket has been shut down.") ends the dialogue: nothing more is
+// sent on that connection, the call fails at once with the socket's text,
+// later messages fail with "0:Socket is not connected." and Disconnect only
+// closes.
+//
+// The message data goes out with every line end as CR LF (a bare CR or LF in
+// header or body included) and every line that begins with "." doubled, so
+// the only "\r\n.\r\n" a server sees is the client's own terminator.
+//
 // Opt-in extensions for submission servers, see Security() and
-// Credentials(): STARTTLS or implicit TLS, and AUTH PLAIN or LOGIN. They use
-// EHLO instead of HELO and read every reply whole (multi-line replies up to
-// 64 KiB); the rest of the dialogue is the same.
+// Credentials(): STARTTLS or implicit TLS, and AUTH PLAIN or LOGIN; and
+// pipelining, see Pipelining(). They use EHLO instead of HELO and read every
+// reply whole (multi-line replies up to 64 KiB); the rest of the dialogue is
+// the same.
 //
 // Socket failures map errno to the socket error texts:
 //   ENETDOWN, ENETUNREACH, EHOSTUNREACH  "Network subsystem failed."
@@ -72,7 +84,10 @@ public:
 
     // Time-outs in milliseconds (0: wait without limit). The defaults are
     // those of RFC 5321 4.5.3.2, so a silent server never holds the caller
-    // for ever.
+    // for ever. A reply (multi-line ones included) and a TLS handshake each
+    // have one deadline from the moment the client starts waiting for them,
+    // however slowly the bytes come; sending waits at most `command` (or
+    // `dataBlock`) each time the server takes nothing more.
     struct TIMEOUTS
     {
         unsigned connect = 5 * 60000;    // TCP connection (all addresses) and each TLS handshake
@@ -118,6 +133,9 @@ public:
     int Security(eSecurity security);
     // A PEM file of further certificates to trust (a private CA, or a
     // server's self-signed certificate); empty for the system's roots only.
+    // Read at each TLS handshake, when it is a regular file of at most
+    // 4 MiB holding a certificate; otherwise the handshake is refused as
+    // untrusted.
     std::string TrustedCertificates() const;
     int TrustedCertificates(const std::string& pemFile);
     // Log in after the (secured) greeting: AUTH PLAIN when the server offers
@@ -126,6 +144,30 @@ public:
     int Credentials(const std::string& user, const std::string& password);
     TIMEOUTS Timeouts() const;
     int Timeouts(const TIMEOUTS& timeouts);
+
+    // Pipelining (RFC 2920), off by default (the plain HELO dialogue). When
+    // on, the client greets with EHLO (with HELO after a refused EHLO when no
+    // TLS or login is asked for), and when the server offers PIPELINING it
+    // sends MAIL, every RCPT and DATA in one write and reads their replies in
+    // order, then the data and its "." in one write; SendMailMessages sends
+    // the next message's commands behind the previous message's data, so the
+    // server's latency is paid about once per message. Replies are matched
+    // to commands in order; a refused recipient keeps the leniency above; a
+    // refused MAIL or a failed DATA ends the transaction with RSET (only
+    // here). Changes, like Server(), only while not connected (1), else 0.
+    int Pipelining() const;
+    int Pipelining(int on);
+    // Whether later constructions start with pipelining on; initially 0.
+    static int PipeliningDefault();
+    static void PipeliningDefault(int on);
+
+    // Sends the messages in order over the connection (the busy cursor shows
+    // meanwhile) and returns how many the server accepted; `results`, when
+    // given, receives 1 or 0 for each. A message that cannot be sent leaves
+    // its reason in GetLastError() and the next one is sent all the same; a
+    // transport failure ends the run. Without pipelining it is
+    // SendMailMessage for each.
+    unsigned SendMailMessages(const std::vector<CNyrMailMessage*>& messages, std::vector<int>* results = nullptr);
 
 protected:
     struct RESPONSE_CODE
@@ -137,18 +179,20 @@ protected:
     // 2: 354 "SMTP server not ready for data.", 3: 221 "SMTP server didn't terminate session."
     static const RESPONSE_CODE s_ResponseTable[4];
 
-    // Hooks on the text sent: the header unchanged here; the body made to end
-    // in "\r\n" and dot-stuffed. Return 1.
+    // Hooks on the text sent, both as it goes on the wire: every line end
+    // made CR LF, then a "." put in front of every line that begins with "."
+    // (RFC 5321 4.5.2; "a\r\n.\r\nb" becomes "a\r\n..\r\nb\r\n"). The body is
+    // also made to end in "\r\n". Return 1. A derived class that overrides
+    // them takes over this duty.
     virtual int PrepareHeader(std::string& header);
-    // Dot-stuffing as this client has always done it: only lines that are a
-    // single "." are doubled (a leading ".\r\n" and every "\r\n.\r\n"); a line
-    // starting with "." and more text goes unchanged (intended).
     virtual int PrepareBody(std::string& body);
     // The MAIL/RCPT/DATA transaction. Fails (0) for a null message (last
     // error unchanged), when not connected, without a sender, without any
     // recipient (Bcc alone will do), when the sender's or a recipient's
-    // address holds a control character (nothing is sent then), when MAIL,
-    // DATA or the final "." are refused, or when the connection fails.
+    // address holds a control character ("0:Mail address contains a control
+    // character.") or a blank, '"', '<' or '>' ("0:The mail address is not
+    // valid."; nothing is sent then), when MAIL, DATA or the final "." are
+    // refused, or when the connection fails.
     virtual int TransmitMailMessage(CNyrMailMessage* message);
     // Reads one reply and compares its code with s_ResponseTable[index]: 1
     // when equal; else 0 with the last error set from the table (or from the
@@ -168,6 +212,14 @@ private:
     bool LogIn(const std::string& ehloReply);
     bool Expect(unsigned code, unsigned textId, const std::string& command);
     void Abort();
+    // Marks the connection failed (nothing more is sent) with the socket text of `error`.
+    void Broken(int error);
+    bool TakeEnvelope(const CNyrMailMessage& message, std::string& sender, std::vector<std::string>& recipients);
+    bool Greet();
+    class CPipelinedRun;
+    unsigned SendPipelined(const std::vector<CNyrMailMessage*>& messages, std::vector<int>& results);
+    // Reads one whole reply within `timeoutMs`: its code, or false after a transport failure.
+    bool ReadCode(unsigned timeoutMs, unsigned& code);
 
     std::string m_server;
     unsigned m_port;
@@ -182,4 +234,8 @@ private:
     TIMEOUTS m_timeouts;
     unsigned m_waitMs = 0;  // time-out of the reply GetResponse reads next
     std::string m_pending;  // received bytes after the last whole reply (extensions only)
+    bool m_broken = false;  // a transport failure happened on this connection
+    int m_pipelining;
+    bool m_wholeReplies = false;  // the EHLO dialogue of the extensions, for this connection
+    bool m_pipelined = false;     // pipelining on and offered by the server of this connection
 };

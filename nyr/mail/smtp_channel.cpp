@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
 #include <poll.h>
@@ -21,12 +22,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Milliseconds left until `deadline` for poll(): -1 without a limit.
-int Remaining(Clock::time_point deadline, bool limited)
+// Milliseconds left until the deadline for poll(): -1 without a limit.
+int Remaining(const CNyrSmtpChannel::Deadline& deadline)
 {
-    if (!limited)
+    if (!deadline.limited)
         return -1;
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline.at - Clock::now()).count();
     return left > 0 ? static_cast<int>(std::min<long long>(left, 1 << 30)) : 0;
 }
 
@@ -85,6 +86,22 @@ BIO_METHOD* SocketBioMethod()
     return method;
 }
 
+// Adds the certificates of PEM text to the context's trust store: false when
+// it holds none.
+bool TrustPem(SSL_CTX* context, const std::string& pem)
+{
+    BIO* bio = BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size()));
+    STACK_OF(X509_INFO)* infos = bio ? PEM_X509_INFO_read_bio(bio, nullptr, nullptr, nullptr) : nullptr;
+    int added = 0;
+    for (int i = 0; infos && i < sk_X509_INFO_num(infos); ++i) {
+        X509* certificate = sk_X509_INFO_value(infos, i)->x509;
+        added += certificate && X509_STORE_add_cert(SSL_CTX_get_cert_store(context), certificate) == 1;
+    }
+    sk_X509_INFO_pop_free(infos, X509_INFO_free);
+    BIO_free(bio);
+    return added > 0;
+}
+
 bool IsAddressLiteral(const std::string& host)
 {
     unsigned char buffer[sizeof(in6_addr)];
@@ -113,7 +130,7 @@ CNyrSmtpChannel::eOpen CNyrSmtpChannel::Open(const std::string& host, unsigned p
         errno = EHOSTUNREACH;
         return OPEN_NO_CONNECT;
     }
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    const Deadline deadline = Deadline::In(timeoutMs);
     bool anySocket = false;
     int error = ECONNREFUSED;
     for (const addrinfo* a = found; a && m_fd < 0; a = a->ai_next) {
@@ -132,7 +149,7 @@ CNyrSmtpChannel::eOpen CNyrSmtpChannel::Open(const std::string& host, unsigned p
             pollfd p{fd, POLLOUT, 0};
             int ready;
             do
-                ready = poll(&p, 1, Remaining(deadline, timeoutMs != 0));
+                ready = poll(&p, 1, Remaining(deadline));
             while (ready < 0 && errno == EINTR);
             int status = ready > 0 ? 0 : ETIMEDOUT;
             socklen_t length = sizeof status;
@@ -156,7 +173,7 @@ CNyrSmtpChannel::eOpen CNyrSmtpChannel::Open(const std::string& host, unsigned p
     return anySocket ? OPEN_NO_CONNECT : OPEN_NO_SOCKET;
 }
 
-CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const std::string& trustFile,
+CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const std::string& trustPem,
                                                 unsigned timeoutMs)
 {
     if (m_fd < 0 || m_ssl) {
@@ -174,12 +191,12 @@ CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const s
     SSL_CTX_set_options(m_ctx, SSL_OP_IGNORE_UNEXPECTED_EOF);
     SSL_CTX_set_verify(m_ctx, SSL_VERIFY_PEER, nullptr);
     bool trusted = SSL_CTX_set_default_verify_paths(m_ctx) == 1;
-    if (!trustFile.empty())
-        trusted = SSL_CTX_load_verify_locations(m_ctx, trustFile.c_str(), nullptr) == 1;
+    if (!trustPem.empty())
+        trusted = TrustPem(m_ctx, trustPem);
     ERR_clear_error();
     if (!trusted) {
         errno = EINVAL;
-        return TLS_UNTRUSTED;  // a trust file that does not load trusts nothing
+        return TLS_UNTRUSTED;  // trust text without a certificate trusts nothing
     }
 
     m_ssl = SSL_new(m_ctx);
@@ -197,7 +214,7 @@ CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const s
         SSL_set1_host(m_ssl, host.c_str());
     }
 
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    const Deadline deadline = Deadline::In(timeoutMs);  // one for the whole handshake
     for (;;) {
         errno = 0;
         const int result = SSL_connect(m_ssl);
@@ -205,7 +222,7 @@ CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const s
             return TLS_DONE;
         const int reason = SSL_get_error(m_ssl, result);
         const short events = reason == SSL_ERROR_WANT_READ ? POLLIN : reason == SSL_ERROR_WANT_WRITE ? POLLOUT : 0;
-        if (events == 0 || !WaitUntil(events, deadline, timeoutMs != 0)) {
+        if (events == 0 || !WaitUntil(events, deadline)) {
             const bool untrusted = SSL_get_verify_result(m_ssl) != X509_V_OK;
             ERR_clear_error();
             if (events == 0 && errno == 0)
@@ -215,11 +232,11 @@ CNyrSmtpChannel::eTls CNyrSmtpChannel::StartTls(const std::string& host, const s
     }
 }
 
-bool CNyrSmtpChannel::WaitUntil(short events, std::chrono::steady_clock::time_point deadline, bool limited)
+bool CNyrSmtpChannel::WaitUntil(short events, const Deadline& deadline)
 {
     pollfd p{m_fd, events, 0};
     for (;;) {
-        const int ready = poll(&p, 1, Remaining(deadline, limited));
+        const int ready = poll(&p, 1, Remaining(deadline));
         if (ready > 0)
             return true;  // ready, or an error that the next call reports
         if (ready == 0) {
@@ -231,13 +248,12 @@ bool CNyrSmtpChannel::WaitUntil(short events, std::chrono::steady_clock::time_po
     }
 }
 
-long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, unsigned timeoutMs)
+long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, const Deadline& deadline)
 {
     if (m_fd < 0) {
         errno = ENOTCONN;
         return -1;
     }
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
     for (;;) {
         short events = POLLIN;
         if (m_ssl) {
@@ -261,7 +277,7 @@ long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, unsigned timeoutMs
             }
         } else {
             // A reply follows a command: waiting first saves a read that would find nothing.
-            if (!WaitUntil(POLLIN, deadline, timeoutMs != 0))
+            if (!WaitUntil(POLLIN, deadline))
                 return -1;
             const ssize_t n = recv(m_fd, buffer, size, 0);
             if (n >= 0)
@@ -270,68 +286,112 @@ long CNyrSmtpChannel::Receive(char* buffer, std::size_t size, unsigned timeoutMs
                 return -1;
             continue;
         }
-        if (!WaitUntil(events, deadline, timeoutMs != 0))
+        if (!WaitUntil(events, deadline))
             return -1;
     }
 }
 
-bool CNyrSmtpChannel::Send(std::initializer_list<std::string_view> pieces, unsigned timeoutMs)
+long CNyrSmtpChannel::WriteSome(std::vector<std::string_view>& rest, std::size_t& first, short& events)
+{
+    long n;
+    if (m_ssl) {
+        ERR_clear_error();
+        errno = 0;
+        const std::string_view piece = rest[first];
+        n = SSL_write(m_ssl, piece.data(), static_cast<int>(std::min<std::size_t>(piece.size(), 1 << 20)));
+        if (n <= 0) {
+            switch (SSL_get_error(m_ssl, static_cast<int>(n))) {
+            case SSL_ERROR_WANT_WRITE: events = POLLOUT; return 0;
+            case SSL_ERROR_WANT_READ: events = POLLIN; return 0;
+            case SSL_ERROR_SYSCALL:
+                if (errno == 0)
+                    errno = EPIPE;
+                return -1;
+            default:
+                ERR_clear_error();
+                errno = ECONNABORTED;
+                return -1;
+            }
+        }
+    } else {
+        // All pieces in one call: the message data goes out without waiting between its parts.
+        iovec vectors[8];
+        msghdr message{};
+        message.msg_iov = vectors;
+        for (std::size_t i = first; i < rest.size() && message.msg_iovlen < std::size(vectors); ++i)
+            vectors[message.msg_iovlen++] = {const_cast<char*>(rest[i].data()), rest[i].size()};
+        n = sendmsg(m_fd, &message, MSG_NOSIGNAL);
+        if (n < 0) {
+            events = POLLOUT;
+            return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+        }
+    }
+    for (auto left = static_cast<std::size_t>(n); left > 0 && first < rest.size();) {
+        const std::size_t take = std::min(left, rest[first].size());
+        rest[first].remove_prefix(take);
+        left -= take;
+        first += rest[first].empty();
+    }
+    return n;
+}
+
+long CNyrSmtpChannel::ReadSome(std::string& received, std::size_t maxReceived)
+{
+    char buffer[4096];
+    const std::size_t size = std::min(sizeof buffer, maxReceived - received.size());
+    long n;
+    if (m_ssl) {
+        ERR_clear_error();
+        errno = 0;
+        n = SSL_read(m_ssl, buffer, static_cast<int>(size));
+        if (n <= 0) {
+            const int reason = SSL_get_error(m_ssl, static_cast<int>(n));
+            if (reason == SSL_ERROR_WANT_READ || reason == SSL_ERROR_WANT_WRITE)
+                return 0;
+            ERR_clear_error();
+            return reason == SSL_ERROR_ZERO_RETURN || (reason == SSL_ERROR_SYSCALL && errno == 0) ? -2 : -1;
+        }
+    } else {
+        n = recv(m_fd, buffer, size, MSG_DONTWAIT);
+        if (n == 0)
+            return -2;
+        if (n < 0)
+            return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR ? 0 : -1;
+    }
+    received.append(buffer, static_cast<std::size_t>(n));
+    return n;
+}
+
+bool CNyrSmtpChannel::Send(std::vector<std::string_view> pieces, unsigned timeoutMs, std::string* received,
+                           std::size_t maxReceived)
 {
     if (m_fd < 0) {
         errno = ENOTCONN;
         return false;
     }
-    std::vector<std::string_view> rest;
-    for (const auto piece : pieces)
-        if (!piece.empty())
-            rest.push_back(piece);
-    std::size_t first = 0;  // rest[first] is the piece being sent
-    while (first < rest.size()) {
-        short events = POLLOUT;
-        if (m_ssl) {
-            ERR_clear_error();
-            errno = 0;
-            std::string_view& piece = rest[first];
-            const int n = SSL_write(m_ssl, piece.data(), static_cast<int>(std::min<std::size_t>(piece.size(), 1 << 20)));
-            if (n > 0) {
-                piece.remove_prefix(static_cast<std::size_t>(n));
-                first += piece.empty();
+    std::erase_if(pieces, [](std::string_view piece) { return piece.empty(); });
+    std::size_t first = 0;  // pieces[first] is the piece being sent
+    bool reading = received != nullptr;
+    while (first < pieces.size()) {
+        short events = 0;
+        const long written = WriteSome(pieces, first, events);
+        if (written < 0)
+            return false;
+        if (written > 0)
+            continue;
+        // Blocked: take in what the server answers meanwhile, so that it is
+        // never stalled on a full buffer while the client waits on it.
+        if (reading && received->size() < maxReceived) {
+            const long read = ReadSome(*received, maxReceived);
+            if (read == -1)
+                return false;
+            if (read > 0)
                 continue;
-            }
-            switch (SSL_get_error(m_ssl, n)) {
-            case SSL_ERROR_WANT_WRITE: break;
-            case SSL_ERROR_WANT_READ: events = POLLIN; break;
-            case SSL_ERROR_SYSCALL:
-                if (errno == 0)
-                    errno = EPIPE;
-                return false;
-            default:
-                ERR_clear_error();
-                errno = ECONNABORTED;
-                return false;
-            }
-        } else {
-            // All pieces in one call: the message data goes out without waiting between its parts.
-            iovec vectors[8];
-            msghdr message{};
-            message.msg_iov = vectors;
-            for (std::size_t i = first; i < rest.size() && message.msg_iovlen < std::size(vectors); ++i)
-                vectors[message.msg_iovlen++] = {const_cast<char*>(rest[i].data()), rest[i].size()};
-            ssize_t n = sendmsg(m_fd, &message, MSG_NOSIGNAL);
-            if (n >= 0) {
-                for (auto left = static_cast<std::size_t>(n); left > 0 && first < rest.size();) {
-                    const std::size_t take = std::min(left, rest[first].size());
-                    rest[first].remove_prefix(take);
-                    left -= take;
-                    first += rest[first].empty();
-                }
-                continue;
-            }
-            if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
-                return false;
+            reading = read == 0;  // -2: the server closed; the next write tells
+            events |= reading ? POLLIN : 0;
         }
         // The time-out counts from the last progress: a stalled peer fails, a slow one does not.
-        if (!WaitUntil(events, Clock::now() + std::chrono::milliseconds(timeoutMs), timeoutMs != 0))
+        if (!WaitUntil(events, Deadline::In(timeoutMs)))
             return false;
     }
     return true;

@@ -25,5 +25,6 @@ struct CNyrSmtpExtensions
     bool startTls = false;
     bool authPlain = false;
     bool authLogin = false;
+    bool pipelining = false;  // RFC 2920
 };
 NYR_EXPORT CNyrSmtpExtensions NyrSmtpExtensions(std::string_view ehloReply);

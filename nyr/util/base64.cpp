@@ -1,4 +1,5 @@
 #include "nyr/util/base64.h"
+#include "nyr/util/base64_p.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -7,6 +8,7 @@
 #endif
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
@@ -232,6 +234,55 @@ std::string NyrEncodeBase64(const std::string& path)
         return {};
     // An empty file still has a (non-null) buffer and encodes as "A===".
     return NyrEncodeBase64(reinterpret_cast<const unsigned char*>(content.data()), content.size(), 76);
+}
+
+void NyrAppendStandardBase64(const unsigned char* data, std::size_t length, unsigned lineLength, std::string& out)
+{
+    const size_t groups = length / 3;
+    const size_t rest = length % 3;
+    const size_t chars = (length + 2) / 3 * 4;
+    const size_t breaks = lineLength && chars ? (chars - 1) / lineLength : 0;
+    // Breaks inside groups need the plain run first; allocated before `out` changes.
+    std::string flat(lineLength % 4 ? chars : 0, '\0');
+    const size_t start = out.size();
+    out.resize(start + chars + 2 * breaks);
+    char* dst = out.data() + start;
+    auto tail = [&](char* at) {
+        if (rest == 0)
+            return;
+        const unsigned char* src = data + groups * 3;
+        const unsigned second = rest == 2 ? src[1] : 0;
+        at[0] = kAlphabet[src[0] >> 2];
+        at[1] = kAlphabet[(src[0] & 3) << 4 | second >> 4];
+        at[2] = rest == 2 ? kAlphabet[(second & 15) << 2] : '=';
+        at[3] = '=';
+    };
+    if (lineLength == 0 || lineLength % 4 == 0) {
+        // Whole groups to a line: each line is encoded straight into place,
+        // with a break after it while more characters follow.
+        const size_t perLine = lineLength ? lineLength / 4 : groups + 1;
+        size_t g = 0;
+        for (; g + perLine < groups || (g + perLine == groups && rest); g += perLine) {
+            EncodeGroups(data + g * 3, perLine, dst);
+            dst += lineLength;
+            *dst++ = '\r';
+            *dst++ = '\n';
+        }
+        EncodeGroups(data + g * 3, groups - g, dst);
+        tail(dst + (groups - g) * 4);
+        return;
+    }
+    EncodeGroups(data, groups, flat.data());
+    tail(flat.data() + groups * 4);
+    for (size_t at = 0; at < chars; at += lineLength) {
+        const size_t n = std::min<size_t>(lineLength, chars - at);
+        std::memcpy(dst, flat.data() + at, n);
+        dst += n;
+        if (at + n < chars) {
+            *dst++ = '\r';
+            *dst++ = '\n';
+        }
+    }
 }
 
 unsigned long NyrDecodeBase64(unsigned char* text)

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <ctime>
 
 #include "nyr/mail/mail_message_mime_container.h"
@@ -182,7 +184,8 @@ TEST(MailMessage, NoCallerTextCanStartAHeaderLineOfItsOwn)
     const std::string body = m.Body();
     EXPECT_NE(body.find("\r\n--b  X-Injected: 5\r\n"), std::string::npos);  // agrees with the header
     EXPECT_NE(body.find("charset=\"utf-8  X-Injected: 6\"\r\n"), std::string::npos);
-    EXPECT_NE(body.find("filename=\"a  X-Injected: 7.txt\"\r\n"), std::string::npos);
+    EXPECT_NE(body.find("filename*=UTF-8''a%0D%0AX-Injected%3A%207.txt; filename=\"a  X-Injected: 7.txt\"\r\n"),
+              std::string::npos);
 }
 
 TEST(MailMessage, ClassWideDefaultsReachOnlyLaterConstructions)
@@ -191,10 +194,14 @@ TEST(MailMessage, ClassWideDefaultsReachOnlyLaterConstructions)
     CNyrMailMessage::MailerNameDefault("Surveyor 7");
     CNyrMailMessageMimeContainer::BoundaryDefault("XYZ");
     CNyrMailMessageMimePartText::CharsetDefault("utf-8");
+    CNyrMailMessageMimePartBinary beforeBinary("/x/y.bin");
     CNyrMailMessageMimePartBinary::ContentDispositionDefault("inline");
+    CNyrMailMessageMimePartBinary::StandardBase64Default(1);
     Message after;
     const std::string text = CNyrMailMessageMimePartText("t").Header();
-    const std::string binary = CNyrMailMessageMimePartBinary("/x/y.bin").Header();
+    const CNyrMailMessageMimePartBinary afterBinary("/x/y.bin");
+    const std::string binary = afterBinary.Header();
+    CNyrMailMessageMimePartBinary::StandardBase64Default(0);
     CNyrMailMessage::MailerNameDefault("NyrMail");
     CNyrMailMessageMimeContainer::BoundaryDefault("_NextPart_CNyrMail_1dE8e48F60beBCECoestrsf");
     CNyrMailMessageMimePartText::CharsetDefault("iso-8859-1");
@@ -206,6 +213,8 @@ TEST(MailMessage, ClassWideDefaultsReachOnlyLaterConstructions)
     EXPECT_EQ(binary, "Content-type: application/octet-stream; name=\"y.bin\"\r\n"
                       "Content-Disposition: inline; filename=\"y.bin\"\r\n"
                       "Content-transfer-encoding: Base64\r\n");
+    EXPECT_EQ(beforeBinary.StandardBase64(), 0);
+    EXPECT_EQ(afterBinary.StandardBase64(), 1);
 }
 
 TEST(MimeContainer, ZeroOneAndManyParts)
@@ -248,7 +257,7 @@ TEST(MimeContainer, ZeroOneAndManyParts)
     EXPECT_EQ(m.AddMimePart(nullptr), 0);
 }
 
-TEST(MimeContainer, AttachmentBodyDecodesBackAndAnUnreadableFileGivesAnEmptyBody)
+TEST(MimeContainer, AttachmentBodyDecodesBackAndAnythingButARegularFileGivesAnEmptyBody)
 {
     nyr::test::TempDir dir;
     std::string content;
@@ -260,9 +269,19 @@ TEST(MimeContainer, AttachmentBodyDecodesBackAndAnUnreadableFileGivesAnEmptyBody
     const unsigned long n = NyrDecodeBase64(reinterpret_cast<unsigned char*>(body.data()));
     EXPECT_EQ(std::string(body.data(), n), content);
 
-    CNyrMailMessageMimePartBinary missing(dir.File("gone.bin").c_str());
-    EXPECT_EQ(missing.Body(), "");
-    EXPECT_NE(missing.Header().find("filename=\"gone.bin\""), std::string::npos);
+    // A FIFO without a writer would block a plain read for ever; a device
+    // or a folder would give an empty or endless attachment.
+    ASSERT_EQ(mkfifo(dir.File("fifo").c_str(), 0600), 0);
+    for (const std::string& path : {dir.File("gone.bin"), dir.Path(), dir.File("fifo"), std::string("/dev/null"),
+                                    std::string("/dev/zero")}) {
+        for (const int standard : {0, 1}) {
+            CNyrMailMessageMimePartBinary special(path.c_str());
+            special.StandardBase64(standard);
+            EXPECT_EQ(special.Body(), "") << path;
+        }
+    }
+    EXPECT_NE(CNyrMailMessageMimePartBinary(dir.File("gone.bin").c_str()).Header().find("filename=\"gone.bin\""),
+              std::string::npos);
 }
 
 TEST(EncodeIso8859, EscapesAbove0x99AndTheEqualsSign)

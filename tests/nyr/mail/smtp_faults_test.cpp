@@ -1,6 +1,7 @@
 // CNyrSmtp against scripted servers: the faults a real server will not
 // produce, each ending with its documented result and text, none hanging.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <atomic>
 
@@ -185,6 +186,123 @@ TEST(SmtpFaults, ASilentServerTimesOutAtEveryStage)
     }
 }
 
+// Five recipients; the server fails after the first RCPT: silent, closed or
+// reset. Nothing more is sent on that connection: no further RCPT, no DATA,
+// no QUIT, and the call does not wait once per recipient.
+TEST(SmtpFaults, ATransportFailureDuringRecipientsEndsTheMessageAtOnce)
+{
+    const struct
+    {
+        const char* fault;
+        const char* error;
+    } cases[] = {
+        {"silence", "0:Virtual circuit was aborted due to timeout or other failure."},
+        {"close", "0:Socket has been shut down."},
+        {"reset", "0:Virtual circuit was reset by the remote side."},
+    };
+    for (const auto& c : cases) {
+        const std::string fault = c.fault;
+        std::vector<std::string> log;
+        ScriptedSmtpServer server([&](Connection& connection) {
+            Serve(connection, &log, [&](const std::string& line) -> std::string {
+                if (line.rfind("RCPT", 0) != 0)
+                    return "";
+                if (fault == "reset") {
+                    connection.Reset();
+                    return "close";
+                }
+                if (fault == "close")
+                    connection.ShutdownWrite();
+                // What the client still sends is logged until it closes.
+                for (std::string more; !(more = connection.ReadLine()).empty();)
+                    log.push_back(more);
+                return "close";
+            });
+        });
+        CNyrMailMessage m = SimpleMessage();
+        for (const char* address : {"carl@example.org", "dora@example.org", "eve@example.org", "fred@example.org"})
+            m.AddRecipient(address, CNyrMailMessage::CC);
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Timeouts(Short());
+        ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+        EXPECT_EQ(smtp.SendMailMessage(&m), 0);
+        EXPECT_EQ(smtp.GetLastError(), c.error) << fault;
+        EXPECT_EQ(smtp.SendMailMessage(&m), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:Socket is not connected.") << fault;
+        EXPECT_EQ(smtp.Disconnect(), 0);
+        EXPECT_EQ(smtp.Connected(), 0);
+        server.Join();
+        EXPECT_EQ(log, (std::vector<std::string>{"MAIL From: <ann@example.org>\r\n", "RCPT TO: <bob@example.org>\r\n"}))
+            << fault;
+    }
+}
+
+// A reply that arrives a byte at a time, each byte well within the
+// time-out, still has to be complete within it: one deadline per reply (and
+// per TLS handshake), not per receive. Each script would go on to a
+// different, later failure if the client waited it out.
+TEST(SmtpFaults, RepliesTrickledByteByByteTimeOutAsAWhole)
+{
+    auto trickle = [](Connection& c, const std::string& start) {
+        c.Send(start);
+        for (int i = 0; i < 40 && c.Send("x"); ++i)  // 2 s
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    };
+    const struct
+    {
+        CNyrSmtp::eSecurity security;
+        std::function<void(Connection&)> script;
+        const char* error;
+    } cases[] = {
+        {CNyrSmtp::SECURITY_STARTTLS,
+         [&](Connection& c) {
+             trickle(c, "220-");
+             Play(c, {"\r\n220 ready\r\n", "250 no STARTTLS here\r\n"});
+         },
+         "0:Server didn't respond."},
+        {CNyrSmtp::SECURITY_STARTTLS,
+         [&](Connection& c) {
+             c.Send("220 ready\r\n");
+             c.ReadLine();
+             trickle(c, "250-");
+             Play(c, {"\r\n250 STARTTLS\r\n", "454 not now\r\n"});
+         },
+         "0:Virtual circuit was aborted due to timeout or other failure."},
+        {CNyrSmtp::SECURITY_TLS,
+         [&](Connection& c) {
+             c.ReadUntil("\x01");  // the client's hello
+             trickle(c, std::string("\x16\x03\x03\x40\x00", 5));  // a 16 KiB handshake record
+         },
+         "0:The secure connection to the SMTP server failed."},
+    };
+    for (const auto& c : cases) {
+        ScriptedSmtpServer server(c.script);
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Security(c.security);
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), c.error);
+    }
+}
+
+// A trust file that is a device or a FIFO used to hang the handshake's set-up
+// (read for ever, or waiting for a writer).
+TEST(SmtpFaults, TrustFilesAreReadOnlyWhenTheyAreRegularFiles)
+{
+    nyr::test::TempDir dir;
+    ASSERT_EQ(mkfifo(dir.File("fifo").c_str(), 0600), 0);
+    nyr::test::WriteFile(dir.File("empty.pem"), "no certificate here\n");
+    for (const std::string& trust : {std::string("/dev/zero"), dir.File("fifo"), dir.Path(), dir.File("empty.pem")}) {
+        ScriptedSmtpServer server([](Connection& c) { c.WaitClosed(); });
+        CNyrSmtp smtp("127.0.0.1", server.Port());
+        smtp.Security(CNyrSmtp::SECURITY_TLS);
+        smtp.TrustedCertificates(trust);
+        smtp.Timeouts(Short());
+        EXPECT_EQ(smtp.Connect(), 0);
+        EXPECT_EQ(smtp.GetLastError(), "0:The certificate of the SMTP server could not be verified.") << trust;
+    }
+}
+
 struct LaxMessage : CNyrMailMessage
 {
     int CheckMailAddress(NyrMailHelper::MAIL_ADDRESS) const override { return 1; }
@@ -212,9 +330,15 @@ TEST(SmtpFaults, MessagesThatCannotBeSentAreRefusedBeforeAnyCommand)
     EXPECT_EQ(smtp.GetLastError(), "0:Must be connected to SMTP server.");  // unchanged
 
     CNyrMailMessage noSender, noRecipient, injectedSender = SimpleMessage(), refusedData = SimpleMessage();
+    CNyrMailMessage parameterSender = SimpleMessage(), blankSender = SimpleMessage();
     noSender.AddRecipient("bob@example.org", CNyrMailMessage::TO);
     noRecipient.From("ann@example.org");
     injectedSender.From(NyrMailHelper::MAIL_ADDRESS{"", "ann@example.org>\r\nRCPT TO:<spy@example.net"});
+    parameterSender.From(NyrMailHelper::MAIL_ADDRESS{"", "a@x.org> SIZE=1"});
+    blankSender.From(NyrMailHelper::MAIL_ADDRESS{"", "a b@x.org"});
+    LaxMessage quotedRecipient;
+    quotedRecipient.From("ann@example.org");
+    quotedRecipient.AddRecipient("\"bob\"@example.org", CNyrMailMessage::TO);
     LaxMessage injectedRecipient;
     injectedRecipient.From("ann@example.org");
     injectedRecipient.AddRecipient("bob@example.org", CNyrMailMessage::TO);
@@ -224,6 +348,9 @@ TEST(SmtpFaults, MessagesThatCannotBeSentAreRefusedBeforeAnyCommand)
         {&noRecipient, "0:No Recipient (TO) given."},
         {&injectedSender, "0:Mail address contains a control character."},
         {&injectedRecipient, "0:Mail address contains a control character."},
+        {&parameterSender, "0:The mail address is not valid."},
+        {&blankSender, "0:The mail address is not valid."},
+        {&quotedRecipient, "0:The mail address is not valid."},
         {&refusedData, "451:SMTP server not ready for data."},
     };
     for (const auto& [message, error] : cases) {
@@ -281,23 +408,6 @@ TEST(SmtpFaults, SecureConnectionsRefuseWhatIsNotTls)
         smtp.Timeouts(Short());
         EXPECT_EQ(smtp.Connect(), 0);
         EXPECT_EQ(smtp.GetLastError(), "0:The secure connection to the SMTP server failed.");
-    }
-}
-
-TEST(SmtpFaults, PrepareBodyDoublesLoneDotsOnlyAndEndsTheBodyWithALineEnd)
-{
-    const std::pair<const char*, const char*> cases[] = {
-        {".", "..\r\n"},  // the line end comes first, then the lone dot is doubled
-        {"x\r\n.\r\n.\r\n", "x\r\n..\r\n..\r\n"},
-        {".x\r\n..\r\n", ".x\r\n..\r\n"},
-        {"", "\r\n"},
-        {"x\r", "x\r\r\n"},
-    };
-    ExposedSmtp smtp;
-    for (const auto& [in, out] : cases) {
-        std::string body = in;
-        EXPECT_EQ(smtp.PrepareBody(body), 1);
-        EXPECT_EQ(body, out) << in;
     }
 }
 

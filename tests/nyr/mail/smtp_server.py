@@ -3,10 +3,12 @@
 
     /usr/bin/python3 smtp_server.py OUT_DIR [--cert PEM --key PEM]
         [--implicit-tls] [--user NAME --password TEXT] [--no-plain] [--discard]
+        [--pipelining]
 
 Each message goes to OUT_DIR as NNNN.eml (the data as received, after
 dot-unstuffing) and NNNN.json (envelope and login; written last).
---discard keeps nothing. The server ends on SIGTERM, when the process that
+--discard keeps nothing. --pipelining adds PIPELINING to the EHLO reply
+(aiosmtpd reads commands in order, however they arrive). The server ends on SIGTERM, when the process that
 started it ends, or after ten minutes, so it never outlives its test."""
 
 import argparse
@@ -21,7 +23,7 @@ parser = argparse.ArgumentParser()
 parser.add_argument("out_dir")
 for option in ("--cert", "--key", "--user", "--password"):
     parser.add_argument(option)
-for flag in ("--implicit-tls", "--no-plain", "--discard"):
+for flag in ("--implicit-tls", "--no-plain", "--discard", "--pipelining"):
     parser.add_argument(flag, action="store_true")
 args = parser.parse_args()
 
@@ -40,6 +42,15 @@ class Recorder:
                 json.dump({"from": envelope.mail_from, "to": envelope.rcpt_tos, "login": login}, f)
             os.rename(base + ".tmp", base + ".json")
         return "250 OK"
+
+
+async def offer_pipelining(self, server, session, envelope, hostname, responses):
+    session.host_name = hostname
+    return responses[:-1] + ["250-PIPELINING"] + responses[-1:]
+
+
+if args.pipelining:
+    Recorder.handle_EHLO = offer_pipelining
 
 
 def authenticate(server, session, envelope, mechanism, auth_data):

@@ -82,9 +82,8 @@ TEST(Smtp, MessagesArriveByteForByteAndAttachmentsDecodeBack)
 
     const auto mails = server.Messages(2);
     ASSERT_EQ(mails.size(), 2u);
-    // Lone dots arrive as sent; ".." and ".end" lose their first dot at the
-    // server, as the client doubles lone dots only (intended).
-    EXPECT_EQ(mails[1].data.substr(mails[1].data.find("\r\n\r\n") + 4), ".\r\nline\r\n.\r\n.\r\n.\r\nend\r\n\r\n");
+    // Every line that begins with a dot arrives as sent.
+    EXPECT_EQ(mails[1].data.substr(mails[1].data.find("\r\n\r\n") + 4), ".\r\nline\r\n.\r\n.\r\n..\r\n.end\r\n\r\n");
     EXPECT_NE(mails[1].envelope.find(R"("to": ["hidden@example.org"])"), std::string::npos);
     EXPECT_EQ(mails[0].envelope,
               R"({"from": "ann@example.org", "to": ["bob@example.org", "carl@example.org", "dora@example.org"], )"

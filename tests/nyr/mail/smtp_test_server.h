@@ -3,6 +3,7 @@
 // Servers for the SMTP tests, all on 127.0.0.1 and all bounded in time:
 //  - SmtpTestServer: the real aiosmtpd (Debian's python3-aiosmtpd) run by
 //    /usr/bin/python3 from smtp_server.py, optionally with TLS and AUTH;
+//  - SmtpSink: Postfix's smtp-sink, which dumps what it receives;
 //  - ScriptedSmtpServer: one connection served by a script of the test's
 //    own, for the faults a real server will not produce.
 // Header-only so that the library tests and the nyr tool's tests share it.
@@ -14,6 +15,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -104,6 +106,106 @@ private:
     unsigned m_port = 0;
 };
 
+// Postfix's smtp-sink (Debian's postfix) on a free port: it offers
+// PIPELINING and appends each transaction to one dump file, lines as
+// received (dots not removed) ended by LF after headers of its own.
+class SmtpSink
+{
+public:
+    SmtpSink()
+    {
+        const char* program = "/usr/sbin/smtp-sink";
+        if (access(program, X_OK) != 0)
+            return;
+        chmod(m_dir.Path().c_str(), 0777);  // it writes as the postfix user when started by root
+        for (int attempt = 0; attempt < 5 && !m_port; ++attempt) {
+            const unsigned port = FreePort();
+            // Through a watcher that ends it with the test, however the test ends.
+            std::vector<std::string> argv = {"/usr/bin/python3", NYR_SOURCE_DIR "/tests/nyr/mail/smtp_sink.py", "-D",
+                                             m_dir.File("dump"), "127.0.0.1:" + std::to_string(port), "64"};
+            if (geteuid() == 0)
+                argv.insert(argv.begin() + 2, {"-u", "postfix"});
+            std::vector<char*> args;
+            for (auto& a : argv)
+                args.push_back(a.data());
+            args.push_back(nullptr);
+            if (posix_spawn(&m_pid, args[0], nullptr, nullptr, args.data(), environ) != 0) {
+                m_pid = -1;
+                return;
+            }
+            for (int i = 0; i < 200 && !m_port; ++i) {  // 2 s to listen
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                if (Listening(port))
+                    m_port = port;
+            }
+            if (!m_port)
+                Stop();
+        }
+    }
+    ~SmtpSink() { Stop(); }
+    SmtpSink(const SmtpSink&) = delete;
+    SmtpSink& operator=(const SmtpSink&) = delete;
+
+    // 0 when smtp-sink is not installed or did not start.
+    unsigned Port() const { return m_port; }
+
+    // The dumped transactions so far, each from its first line of its own
+    // headers ("X-Client-Addr: ...") on; waits up to 10 s until there are `count`.
+    std::vector<std::string> Transactions(std::size_t count) const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        for (;;) {
+            const std::string dump = ReadFile(m_dir.File("dump"));
+            std::vector<std::string> transactions;
+            for (std::size_t at = dump.find("X-Client-Addr: "); at != std::string::npos;) {
+                const std::size_t next = dump.find("\nX-Client-Addr: ", at);
+                transactions.push_back(dump.substr(at, next == std::string::npos ? std::string::npos : next + 1 - at));
+                at = next == std::string::npos ? next : next + 1;
+            }
+            if (transactions.size() >= count || std::chrono::steady_clock::now() > deadline)
+                return transactions;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+
+private:
+    static unsigned FreePort()
+    {
+        const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        unsigned port = 0;
+        if (bind(fd, reinterpret_cast<sockaddr*>(&address), length) == 0 &&
+            getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) == 0)
+            port = ntohs(address.sin_port);
+        close(fd);
+        return port;
+    }
+    static bool Listening(unsigned port)
+    {
+        const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(static_cast<uint16_t>(port));
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const bool ok = connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+        close(fd);
+        return ok;
+    }
+    void Stop()
+    {
+        if (m_pid > 0 && kill(m_pid, SIGTERM) == 0)
+            waitpid(m_pid, nullptr, 0);
+        m_pid = -1;
+    }
+
+    TempDir m_dir;
+    pid_t m_pid = -1;
+    unsigned m_port = 0;
+};
+
 // One connection on a free port of 127.0.0.1, served on a thread by the
 // test's script. Every read gives up after 10 s, so a script never hangs.
 class ScriptedSmtpServer
@@ -144,6 +246,30 @@ public:
             }
         }
         std::string ReadLine() { return ReadUntil("\r\n"); }
+        // Reads one line as a lax server does: ended by CR LF, a bare LF or a
+        // bare CR, returned without its end. False when the client closes or
+        // 10 s pass without a line end.
+        bool ReadLaxLine(std::string& line)
+        {
+            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+            for (;;) {
+                if (m_skipLf && !m_buffer.empty()) {
+                    if (m_buffer[0] == '\n')
+                        m_buffer.erase(0, 1);
+                    m_skipLf = false;
+                }
+                const auto end = m_buffer.find_first_of("\r\n");
+                if (end != std::string::npos) {
+                    line = m_buffer.substr(0, end);
+                    const bool crlf = m_buffer[end] == '\r' && end + 1 < m_buffer.size() && m_buffer[end + 1] == '\n';
+                    m_skipLf = m_buffer[end] == '\r' && end + 1 == m_buffer.size();
+                    m_buffer.erase(0, end + (crlf ? 2 : 1));
+                    return true;
+                }
+                if (!Fill(deadline))
+                    return false;
+            }
+        }
         // True when the client closes within 10 s.
         bool WaitClosed()
         {
@@ -152,6 +278,9 @@ public:
             }
             return m_closed;
         }
+        // Ends the server's side of the stream (the client reads its end)
+        // while what the client still sends can be read.
+        void ShutdownWrite() { shutdown(m_fd, SHUT_WR); }
         // Makes the close at the end of the script a reset (RST) instead of
         // an orderly close.
         void Reset()
@@ -180,6 +309,7 @@ public:
         int m_fd;
         std::string m_buffer;
         bool m_closed = false;
+        bool m_skipLf = false;  // a line ended by CR at the end of the buffer: a LF that follows belongs to it
     };
 
     // `family`: AF_INET (127.0.0.1) or AF_INET6 (::1). Port() is 0 when the
