@@ -37,7 +37,8 @@ void ReplaceAll(std::string& text, const std::string& token, const std::string& 
 struct CNyrInputControl::Private
 {
     std::any value;                        // the value held; empty for an empty field
-    long shownForm = 0;                    // the unit or format every text of the history is written in
+    long shownForm = 0;                    // the unit or format every text of the history is written in...
+    bool formKnown = false;                // ...once a text was shown or typed (before: the current one)
     bool allowEmpty = false;
     bool validateOnLeave = true;
     bool valid = true;                     // the last validation passed
@@ -127,15 +128,21 @@ void CNyrInputControl::SetHeldValue(std::any value)
     ResetText(d->value.has_value() ? Render(d->value) : QString(), d->value);
     d->writing = false;
     d->shownForm = CurrentForm();
+    d->formKnown = true;
     d->changed = false;
     d->valid = true;
     ShowMessage({});
     emit ValueCommitted();
 }
 
+long CNyrInputControl::FormOfTexts() const
+{
+    return d->formKnown ? d->shownForm : CurrentForm();
+}
+
 void CNyrInputControl::Reformat()
 {
-    const long from = d->shownForm;
+    const long from = FormOfTexts();
     d->writing = true;
     RewriteStates([this, from](Snapshot& s) {
         // Typed text is read in the unit it was typed in; what does not read stays as typed.
@@ -149,12 +156,17 @@ void CNyrInputControl::Reformat()
     });
     d->writing = false;
     d->shownForm = CurrentForm();
+    d->formKnown = true;
     UpdateDescription();
     update();
 }
 
 void CNyrInputControl::OnTextChanged()
 {
+    if (!d->formKnown) {  // the first text is typed in the unit of the moment
+        d->shownForm = CurrentForm();
+        d->formKnown = true;
+    }
     if (!d->writing) {
         d->changed = true;
         ShowMessage({});  // a message stays until the text changes
@@ -171,7 +183,7 @@ QValidator::State CNyrInputControl::CheckKeystroke(const QString& text) const
     if (!MayBecomeValid(text))
         return QValidator::Invalid;
     std::any value;
-    if (text.trimmed().isEmpty() || !Read(text, value, d->shownForm))
+    if (text.trimmed().isEmpty() || !Read(text, value, FormOfTexts()))
         return QValidator::Intermediate;
     return RangeSide(value) == 0 ? QValidator::Acceptable : QValidator::Intermediate;
 }
@@ -206,7 +218,7 @@ int CNyrInputControl::ValidateEmpty()
 int CNyrInputControl::ValidateText()
 {
     std::any value = CurrentValue();
-    if (!value.has_value() && !Read(text(), value, d->shownForm))
+    if (!value.has_value() && !Read(text(), value, FormOfTexts()))
         return Fail(NyrLoadString(InvalidTextId()));
     if (const int side = RangeSide(value))
         return Fail(RangeMessage(side));

@@ -199,6 +199,8 @@ private:
     bool HandleMessage(unsigned int message, quintptr wParam);
     void OnTextChanged();
     bool LeavingForCancel() const;
+    // The unit or format the shown text and the history are written in.
+    long FormOfTexts() const;
     void AnnounceToWindow();
     void UpdateDescription();
     void PlaceBalloon();

@@ -10,12 +10,14 @@
 
 namespace {
 
-// Whether the user can reach the field: nothing between it and `root` is
-// hidden, except pages that a stacked widget (or a tab widget) hides.
+// Whether the user can reach the field: nothing between it and `root` was
+// hidden, except pages that a stacked widget (or a tab widget) hides. (A
+// widget on a page not shown yet counts as hidden without having been hidden.)
 bool Reachable(const CNyrInputControl* field, const QWidget* root)
 {
     for (const QWidget* w = field; w && w != root; w = w->parentWidget()) {
-        if (w->isHidden() && !qobject_cast<const QStackedWidget*>(w->parentWidget()))
+        const bool hidden = w->testAttribute(Qt::WA_WState_Hidden) && w->testAttribute(Qt::WA_WState_ExplicitShowHide);
+        if (hidden && !qobject_cast<const QStackedWidget*>(w->parentWidget()))
             return false;
     }
     return field->isEnabledTo(root) && !field->isReadOnly();

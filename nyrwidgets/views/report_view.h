@@ -500,6 +500,8 @@ public:
     int EditRealItem(unsigned int realItem, unsigned int realCol);
     // The open editor; null when no cell is being edited.
     CNyrInputControl* GetInplaceEditor() const;
+    // The cell being edited; 0 (and nothing set) when none is.
+    int GetInplaceEditCell(unsigned int& realItem, unsigned int& realCol) const;
     // Ends editing: with `save` as Enter does (0 when the value is refused:
     // the editor stays open), without as Escape. 1 when no editor is open.
     int EndInplaceEdit(int save);

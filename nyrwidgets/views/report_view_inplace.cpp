@@ -90,6 +90,15 @@ int CNyrReportViewInplace::Begin(unsigned int realItem, unsigned int realCol)
     return 1;
 }
 
+int CNyrReportViewInplace::Cell(unsigned int& realItem, unsigned int& realCol) const
+{
+    if (!m_editor)
+        return 0;
+    realItem = m_realItem;
+    realCol = m_realCol;
+    return 1;
+}
+
 int CNyrReportViewInplace::End(bool save)
 {
     if (!m_editor)
@@ -272,4 +281,9 @@ CNyrInputControl* CNyrReportView::GetInplaceEditor() const
 int CNyrReportView::EndInplaceEdit(int save)
 {
     return d->inplace->End(save != 0);
+}
+
+int CNyrReportView::GetInplaceEditCell(unsigned int& realItem, unsigned int& realCol) const
+{
+    return d->inplace->Cell(realItem, realCol);
 }

@@ -26,6 +26,7 @@ public:
     // event reaches the view from here on.
     void Detach();
     CNyrInputControl* Editor() const { return m_editor; }
+    int Cell(unsigned int& realItem, unsigned int& realCol) const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* e) override;
