@@ -263,8 +263,10 @@ bool CNyrInputFileName::Read(const QString& text, std::any& value, long) const
     const QByteArray bytes = name.toUtf8();
     if (name.isEmpty() || HasControl(name) || bytes.size() > kMaxPathBytes)
         return false;
-    for (const QByteArray& part : bytes.split('/')) {
-        if (part.size() > kMaxPartBytes)
+    qsizetype part = 0;  // bytes of the part so far
+    for (char c : bytes) {
+        part = c == '/' ? 0 : part + 1;
+        if (part > kMaxPartBytes)
             return false;
     }
     if (d->mode != eFolderMustExist && bytes.endsWith('/'))

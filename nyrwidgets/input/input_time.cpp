@@ -150,7 +150,9 @@ bool CNyrInputDateTime::Read(const QString& text, std::any& value, long form) co
     // A date alone keeps the time of day held (midnight for none); a time
     // alone keeps the date (today for none).
     const auto* held = std::any_cast<CNyrTime>(&HeldValue());
-    const CNyrTime base = held ? *held : d->part == eTime ? CNyrTime() : CNyrTime(2000, 1, 1, 0, 0, 0);
+    CNyrTime base(int64_t{0});  // made only when a part needs it: it costs a local-time conversion
+    if (d->part != eDateTime)
+        base = held ? *held : d->part == eTime ? CNyrTime() : CNyrTime(2000, 1, 1, 0, 0, 0);
     CNyrTime time(int64_t{0});
     if (!nyr::input::ReadTimeNumber(utf8, time) &&
         !nyr::input::ReadTimeText(utf8, PatternOf(form), d->Part(), base, time))

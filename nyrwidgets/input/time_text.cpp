@@ -211,15 +211,16 @@ bool ReadTimeText(std::string_view text, const std::string& pattern, TimePart pa
     Fields f;
     if (!ReadAlong(text, PatternPart(pattern, part), f))
         return false;
-    long y = 0, mo = 0, d = 0, h = 0, mi = 0, sec = 0;
-    double fraction = 0.0;
-    CNyrTimeHelper::Mjd2Ymd(base.Mjd(), y, mo, d, h, mi, sec, fraction);
-    if (part == TimePart::kTime) {
-        f.year = y, f.month = mo, f.day = d;
-    } else if (part == TimePart::kDate) {
-        f.hour = h, f.minute = mi, f.second = sec, f.fraction = base.GetFracSecond();
-    } else if (f.year < 0 || f.month < 0 || f.day < 0) {
+    if (part == TimePart::kDateTime && (f.year < 0 || f.month < 0 || f.day < 0))
         return false;  // a date and time needs its whole date
+    if (part != TimePart::kDateTime) {
+        long y = 0, mo = 0, d = 0, h = 0, mi = 0, sec = 0;
+        double fraction = 0.0;
+        CNyrTimeHelper::Mjd2Ymd(base.Mjd(), y, mo, d, h, mi, sec, fraction);
+        if (part == TimePart::kTime)
+            f.year = y, f.month = mo, f.day = d;
+        else
+            f.hour = h, f.minute = mi, f.second = sec, f.fraction = base.GetFracSecond();
     }
     if (part == TimePart::kTime && f.hour < 0)
         return false;

@@ -26,6 +26,7 @@ std::string PatternPart(const std::string& pattern, TimePart part);
 // the hour or the minute; what is missing is 0. `base` gives the time of day
 // of a date part and the date of a time part. False when a field is out of
 // range, the date does not exist, or the local clock never shows it.
+// `base` is not read for a date and time.
 bool ReadTimeText(std::string_view text, const std::string& pattern, TimePart part, const CNyrTime& base,
                   CNyrTime& out);
 
