@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
-#include <vector>
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
@@ -18,8 +17,8 @@
 
 struct CNyrEdit::Private
 {
-    std::deque<Snapshot> undo;   // oldest first
-    std::vector<Snapshot> redo;  // the next step to redo last
+    std::deque<Snapshot> undo;  // oldest first
+    std::deque<Snapshot> redo;  // the next step to redo last
     Snapshot current;            // what the edit shows: current.text == text() outside Show()
     int limit = 1000;
     bool showing = false;  // set while the history puts a state on screen
@@ -29,6 +28,17 @@ struct CNyrEdit::Private
     {
         undo.push_back(std::move(state));
         Trim();
+    }
+    // The last state of `from` becomes the current one, which goes to
+    // `to`; false when `from` is empty.
+    bool Step(std::deque<Snapshot>& from, std::deque<Snapshot>& to)
+    {
+        if (from.empty())
+            return false;
+        to.push_back(std::move(current));
+        current = std::move(from.back());
+        from.pop_back();
+        return true;
     }
     void Trim()
     {
@@ -90,22 +100,14 @@ bool CNyrEdit::CanRedo() const
 
 void CNyrEdit::Undo()
 {
-    if (isReadOnly() || d->undo.empty())
-        return;
-    d->redo.push_back(std::move(d->current));
-    d->current = std::move(d->undo.back());
-    d->undo.pop_back();
-    Show(d->current);
+    if (!isReadOnly() && d->Step(d->undo, d->redo))
+        Show(d->current);
 }
 
 void CNyrEdit::Redo()
 {
-    if (isReadOnly() || d->redo.empty())
-        return;
-    d->undo.push_back(std::move(d->current));
-    d->current = std::move(d->redo.back());
-    d->redo.pop_back();
-    Show(d->current);
+    if (!isReadOnly() && d->Step(d->redo, d->undo))
+        Show(d->current);
 }
 
 void CNyrEdit::ClearHistory()

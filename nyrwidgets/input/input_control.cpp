@@ -265,6 +265,12 @@ std::string CNyrInputControl::RangeMessage(int side) const
     return BoundMessage(both ? 26081 : side < 0 ? 26079 : 26080);
 }
 
+std::string CNyrInputControl::BoundText(bool maximum) const
+{
+    const std::any bound = Bound(maximum);
+    return bound.has_value() ? Render(bound).toStdString() : std::string();
+}
+
 std::string CNyrInputControl::BoundMessage(unsigned int id) const
 {
     std::string text = NyrLoadString(id);

@@ -160,8 +160,10 @@ protected:
     // The message of a value outside the range (side as RangeSide gives it);
     // the default builds 26079, 26080 or 26081 from BoundText.
     virtual std::string RangeMessage(int side) const;
-    // The range bounds as the message shows them; empty for no bound.
-    virtual std::string BoundText(bool) const { return {}; }
+    // A bound of the range; empty for none.
+    virtual std::any Bound(bool) const { return {}; }
+    // A bound as the message shows it, empty for none; the default renders Bound.
+    virtual std::string BoundText(bool maximum) const;
     // The text number of "Invalid ..." for this kind.
     virtual unsigned int InvalidTextId() const = 0;
     // Further checks of a value that reads and lies in range; 0 passes,
@@ -175,6 +177,13 @@ protected:
 
     // The value held; empty for an empty field.
     const std::any& HeldValue() const;
+    // The value held as a T; `none` for an empty field.
+    template <class T>
+    T HeldValueOr(T none) const
+    {
+        const T* value = std::any_cast<T>(&HeldValue());
+        return value ? *value : none;
+    }
     // Holds `value` (empty: none), shows it and empties the history.
     void SetHeldValue(std::any value);
     // The message with %MIN and %MAX replaced by the bound texts.

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <optional>
 #include <string>
+
+#include "nyrwidgets/input/input_range_p.h"
 
 namespace {
 
@@ -78,16 +79,6 @@ const char* SkipPlus(const std::string& text)
     return text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+' ? text.data() + 1 : text.data();
 }
 
-template <class T>
-int Side(T value, const std::optional<T>& minimum, const std::optional<T>& maximum)
-{
-    if (minimum && value < *minimum)
-        return -1;
-    if (maximum && value > *maximum)
-        return 1;
-    return 0;
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -95,8 +86,7 @@ int Side(T value, const std::optional<T>& minimum, const std::optional<T>& maxim
 
 struct CNyrInputInteger::Private
 {
-    std::optional<long long> minimum;
-    std::optional<long long> maximum;
+    nyr::input::Range<long long> range;
 };
 
 CNyrInputInteger::CNyrInputInteger(QWidget* parent) : CNyrInputControl(parent), d(new Private)
@@ -112,8 +102,7 @@ int CNyrInputInteger::Kind() const
 
 long long CNyrInputInteger::GetValue() const
 {
-    const auto* value = std::any_cast<long long>(&HeldValue());
-    return value ? *value : 0;
+    return HeldValueOr(0LL);
 }
 
 void CNyrInputInteger::SetValue(long long value)
@@ -123,24 +112,22 @@ void CNyrInputInteger::SetValue(long long value)
 
 void CNyrInputInteger::SetRange(long long minimum, long long maximum)
 {
-    d->minimum = minimum;
-    d->maximum = maximum;
+    d->range.Set(minimum, maximum);
 }
 
 void CNyrInputInteger::SetMinimum(long long minimum)
 {
-    d->minimum = minimum;
+    d->range.minimum = minimum;
 }
 
 void CNyrInputInteger::SetMaximum(long long maximum)
 {
-    d->maximum = maximum;
+    d->range.maximum = maximum;
 }
 
 void CNyrInputInteger::ClearRange()
 {
-    d->minimum.reset();
-    d->maximum.reset();
+    d->range.Clear();
 }
 
 QString CNyrInputInteger::Render(const std::any& value) const
@@ -165,18 +152,17 @@ bool CNyrInputInteger::Read(const QString& text, std::any& value, long) const
 
 bool CNyrInputInteger::MayBecomeValid(const QString& text) const
 {
-    return IsNumberPrefix(text, false, !d->minimum || *d->minimum < 0, 19);
+    return IsNumberPrefix(text, false, !d->range.minimum || *d->range.minimum < 0, 19);
 }
 
 int CNyrInputInteger::RangeSide(const std::any& value) const
 {
-    return Side(std::any_cast<long long>(value), d->minimum, d->maximum);
+    return d->range.Side(value);
 }
 
-std::string CNyrInputInteger::BoundText(bool maximum) const
+std::any CNyrInputInteger::Bound(bool maximum) const
 {
-    const std::optional<long long>& bound = maximum ? d->maximum : d->minimum;
-    return bound ? std::to_string(*bound) : std::string();
+    return d->range.Bound(maximum);
 }
 
 unsigned int CNyrInputInteger::InvalidTextId() const
@@ -191,8 +177,7 @@ struct CNyrInputFloat::Private
 {
     int precision = 6;
     bool trim = false;
-    std::optional<double> minimum;
-    std::optional<double> maximum;
+    nyr::input::Range<double> range;
 };
 
 CNyrInputFloat::CNyrInputFloat(QWidget* parent) : CNyrInputControl(parent), d(new Private)
@@ -208,8 +193,7 @@ int CNyrInputFloat::Kind() const
 
 double CNyrInputFloat::GetValue() const
 {
-    const auto* value = std::any_cast<double>(&HeldValue());
-    return value ? *value : 0.0;
+    return HeldValueOr(0.0);
 }
 
 void CNyrInputFloat::SetValue(double value)
@@ -241,24 +225,22 @@ bool CNyrInputFloat::GetTrimTrailingZeros() const
 
 void CNyrInputFloat::SetRange(double minimum, double maximum)
 {
-    d->minimum = minimum;
-    d->maximum = maximum;
+    d->range.Set(minimum, maximum);
 }
 
 void CNyrInputFloat::SetMinimum(double minimum)
 {
-    d->minimum = minimum;
+    d->range.minimum = minimum;
 }
 
 void CNyrInputFloat::SetMaximum(double maximum)
 {
-    d->maximum = maximum;
+    d->range.maximum = maximum;
 }
 
 void CNyrInputFloat::ClearRange()
 {
-    d->minimum.reset();
-    d->maximum.reset();
+    d->range.Clear();
 }
 
 QString CNyrInputFloat::Render(const std::any& value) const
@@ -294,18 +276,17 @@ bool CNyrInputFloat::Read(const QString& text, std::any& value, long) const
 
 bool CNyrInputFloat::MayBecomeValid(const QString& text) const
 {
-    return IsNumberPrefix(text, true, !d->minimum || *d->minimum < 0, 309);
+    return IsNumberPrefix(text, true, !d->range.minimum || *d->range.minimum < 0, 309);
 }
 
 int CNyrInputFloat::RangeSide(const std::any& value) const
 {
-    return Side(std::any_cast<double>(value), d->minimum, d->maximum);
+    return d->range.Side(value);
 }
 
-std::string CNyrInputFloat::BoundText(bool maximum) const
+std::any CNyrInputFloat::Bound(bool maximum) const
 {
-    const std::optional<double>& bound = maximum ? d->maximum : d->minimum;
-    return bound ? Render(*bound).toStdString() : std::string();
+    return d->range.Bound(maximum);
 }
 
 unsigned int CNyrInputFloat::InvalidTextId() const

@@ -30,7 +30,7 @@ protected:
     bool Read(const QString& text, std::any& value, long form) const override;
     bool MayBecomeValid(const QString& text) const override;
     int RangeSide(const std::any& value) const override;
-    std::string BoundText(bool maximum) const override;
+    std::any Bound(bool maximum) const override;
     unsigned int InvalidTextId() const override;
 
 private:
@@ -72,7 +72,7 @@ protected:
     bool Read(const QString& text, std::any& value, long form) const override;
     bool MayBecomeValid(const QString& text) const override;
     int RangeSide(const std::any& value) const override;
-    std::string BoundText(bool maximum) const override;
+    std::any Bound(bool maximum) const override;
     unsigned int InvalidTextId() const override;
 
 private:

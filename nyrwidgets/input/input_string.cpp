@@ -70,8 +70,7 @@ int CNyrInputString::Kind() const
 
 std::string CNyrInputString::GetValue() const
 {
-    const auto* value = std::any_cast<std::string>(&HeldValue());
-    return value ? *value : std::string();
+    return HeldValueOr(std::string());
 }
 
 void CNyrInputString::SetValue(const std::string& text)
@@ -162,8 +161,7 @@ int CNyrInputFileName::Kind() const
 
 std::string CNyrInputFileName::GetValue() const
 {
-    const auto* value = std::any_cast<std::string>(&HeldValue());
-    return value ? *value : std::string();
+    return HeldValueOr(std::string());
 }
 
 void CNyrInputFileName::SetValue(const std::string& name)

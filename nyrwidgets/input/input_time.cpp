@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <bitset>
-#include <optional>
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyrwidgets/input/input_range_p.h"
 #include "nyrwidgets/input/time_text_p.h"
 
 using nyr::input::TimePart;
@@ -30,16 +30,6 @@ bool OnlyCharacters(const QString& text, const std::bitset<128>& allowed)
                        [&allowed](QChar c) { return c.unicode() < 128 && allowed.test(c.unicode()); });
 }
 
-template <class T>
-int Side(const T& value, const std::optional<T>& minimum, const std::optional<T>& maximum)
-{
-    if (minimum && value < *minimum)
-        return -1;
-    if (maximum && *maximum < value)
-        return 1;
-    return 0;
-}
-
 // The pattern a text of the date/time field was written with: the format of
 // that index, the current one as it stands (a stored 32 uses row 0's).
 std::string PatternOf(long form)
@@ -61,8 +51,7 @@ struct CNyrInputDateTime::Private
 {
     ePart part;
     int digits = 0;
-    std::optional<CNyrTime> earliest;
-    std::optional<CNyrTime> latest;
+    nyr::input::Range<CNyrTime> range;
 
     TimePart Part() const { return static_cast<TimePart>(part); }
 };
@@ -80,8 +69,7 @@ int CNyrInputDateTime::Kind() const
 
 CNyrTime CNyrInputDateTime::GetValue() const
 {
-    const auto* value = std::any_cast<CNyrTime>(&HeldValue());
-    return value ? *value : CNyrTime(int64_t{0});
+    return HeldValueOr(CNyrTime(int64_t{0}));
 }
 
 void CNyrInputDateTime::SetValue(const CNyrTime& time)
@@ -113,24 +101,22 @@ int CNyrInputDateTime::GetFractionDigits() const
 
 void CNyrInputDateTime::SetRange(const CNyrTime& earliest, const CNyrTime& latest)
 {
-    d->earliest = earliest;
-    d->latest = latest;
+    d->range.Set(earliest, latest);
 }
 
 void CNyrInputDateTime::SetMinimum(const CNyrTime& earliest)
 {
-    d->earliest = earliest;
+    d->range.minimum = earliest;
 }
 
 void CNyrInputDateTime::SetMaximum(const CNyrTime& latest)
 {
-    d->latest = latest;
+    d->range.maximum = latest;
 }
 
 void CNyrInputDateTime::ClearRange()
 {
-    d->earliest.reset();
-    d->latest.reset();
+    d->range.Clear();
 }
 
 QString CNyrInputDateTime::Render(const std::any& value) const
@@ -183,13 +169,12 @@ bool CNyrInputDateTime::MayBecomeValid(const QString& text) const
 
 int CNyrInputDateTime::RangeSide(const std::any& value) const
 {
-    return Side(std::any_cast<CNyrTime>(value), d->earliest, d->latest);
+    return d->range.Side(value);
 }
 
-std::string CNyrInputDateTime::BoundText(bool maximum) const
+std::any CNyrInputDateTime::Bound(bool maximum) const
 {
-    const std::optional<CNyrTime>& bound = maximum ? d->latest : d->earliest;
-    return bound ? Render(*bound).toStdString() : std::string();
+    return d->range.Bound(maximum);
 }
 
 unsigned int CNyrInputDateTime::InvalidTextId() const
@@ -209,8 +194,7 @@ std::string CNyrInputDateTime::Description() const
 struct CNyrInputTimeSpan::Private
 {
     int digits = 0;
-    std::optional<CNyrTimeSpan> shortest;
-    std::optional<CNyrTimeSpan> longest;
+    nyr::input::Range<CNyrTimeSpan> range;
 };
 
 CNyrInputTimeSpan::CNyrInputTimeSpan(QWidget* parent) : CNyrInputControl(parent), d(new Private)
@@ -226,8 +210,7 @@ int CNyrInputTimeSpan::Kind() const
 
 CNyrTimeSpan CNyrInputTimeSpan::GetValue() const
 {
-    const auto* value = std::any_cast<CNyrTimeSpan>(&HeldValue());
-    return value ? *value : CNyrTimeSpan();
+    return HeldValueOr(CNyrTimeSpan());
 }
 
 void CNyrInputTimeSpan::SetValue(const CNyrTimeSpan& span)
@@ -248,24 +231,22 @@ int CNyrInputTimeSpan::GetFractionDigits() const
 
 void CNyrInputTimeSpan::SetRange(const CNyrTimeSpan& shortest, const CNyrTimeSpan& longest)
 {
-    d->shortest = shortest;
-    d->longest = longest;
+    d->range.Set(shortest, longest);
 }
 
 void CNyrInputTimeSpan::SetMinimum(const CNyrTimeSpan& shortest)
 {
-    d->shortest = shortest;
+    d->range.minimum = shortest;
 }
 
 void CNyrInputTimeSpan::SetMaximum(const CNyrTimeSpan& longest)
 {
-    d->longest = longest;
+    d->range.maximum = longest;
 }
 
 void CNyrInputTimeSpan::ClearRange()
 {
-    d->shortest.reset();
-    d->longest.reset();
+    d->range.Clear();
 }
 
 QString CNyrInputTimeSpan::Render(const std::any& value) const
@@ -295,13 +276,12 @@ bool CNyrInputTimeSpan::MayBecomeValid(const QString& text) const
 
 int CNyrInputTimeSpan::RangeSide(const std::any& value) const
 {
-    return Side(std::any_cast<CNyrTimeSpan>(value), d->shortest, d->longest);
+    return d->range.Side(value);
 }
 
-std::string CNyrInputTimeSpan::BoundText(bool maximum) const
+std::any CNyrInputTimeSpan::Bound(bool maximum) const
 {
-    const std::optional<CNyrTimeSpan>& bound = maximum ? d->longest : d->shortest;
-    return bound ? Render(*bound).toStdString() : std::string();
+    return d->range.Bound(maximum);
 }
 
 unsigned int CNyrInputTimeSpan::InvalidTextId() const

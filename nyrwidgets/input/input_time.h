@@ -57,7 +57,7 @@ protected:
     bool FollowsMessage(unsigned int message) const override;
     bool MayBecomeValid(const QString& text) const override;
     int RangeSide(const std::any& value) const override;
-    std::string BoundText(bool maximum) const override;
+    std::any Bound(bool maximum) const override;
     unsigned int InvalidTextId() const override;
     std::string Description() const override;
 
@@ -95,7 +95,7 @@ protected:
     bool Read(const QString& text, std::any& value, long form) const override;
     bool MayBecomeValid(const QString& text) const override;
     int RangeSide(const std::any& value) const override;
-    std::string BoundText(bool maximum) const override;
+    std::any Bound(bool maximum) const override;
     unsigned int InvalidTextId() const override;
 
 private:

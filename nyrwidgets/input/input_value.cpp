@@ -5,7 +5,6 @@
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <bitset>
-#include <optional>
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
@@ -13,6 +12,7 @@
 #include "nyr/values/unit_settings.h"
 #include "nyr/values/value_angle.h"
 #include "nyr/values/value_distance.h"
+#include "nyrwidgets/input/input_range_p.h"
 
 namespace {
 
@@ -59,8 +59,7 @@ struct CNyrInputValue::Private
     std::unique_ptr<CNyrValue> value;  // reads and writes the texts; follows the field's settings
     unsigned int unitMessage;
     std::bitset<256> allowed;  // Latin-1 characters a text may hold
-    std::optional<double> minimum;
-    std::optional<double> maximum;
+    nyr::input::Range<double> range;
     int suffixWidth = 0;  // pixels kept free at the right for the widest abbreviation
 
     void Allow(const QString& characters)
@@ -72,7 +71,7 @@ struct CNyrInputValue::Private
 };
 
 CNyrInputValue::CNyrInputValue(QWidget* parent, std::unique_ptr<CNyrValue> value, unsigned int unitMessage)
-    : CNyrInputControl(parent), d(new Private{std::move(value), unitMessage, {}, {}, {}, 0})
+    : CNyrInputControl(parent), d(new Private{std::move(value), unitMessage, {}, {}, 0})
 {
     const bool angle = unitMessage == WM_NYR_UNIT_CHANGED_ANGLE;
     d->Allow(QStringLiteral("0123456789 .+-:eE"));
@@ -89,8 +88,7 @@ CNyrInputValue::~CNyrInputValue() = default;
 
 double CNyrInputValue::GetValue() const
 {
-    const auto* value = std::any_cast<double>(&HeldValue());
-    return value ? *value : 0.0;
+    return HeldValueOr(0.0);
 }
 
 int CNyrInputValue::SetValue(double standardValue)
@@ -104,24 +102,22 @@ int CNyrInputValue::SetValue(double standardValue)
 
 void CNyrInputValue::SetRange(double minimum, double maximum)
 {
-    d->minimum = minimum;
-    d->maximum = maximum;
+    d->range.Set(minimum, maximum);
 }
 
 void CNyrInputValue::SetMinimum(double minimum)
 {
-    d->minimum = minimum;
+    d->range.minimum = minimum;
 }
 
 void CNyrInputValue::SetMaximum(double maximum)
 {
-    d->maximum = maximum;
+    d->range.maximum = maximum;
 }
 
 void CNyrInputValue::ClearRange()
 {
-    d->minimum.reset();
-    d->maximum.reset();
+    d->range.Clear();
 }
 
 CNyrUnitSettings& CNyrInputValue::UnitSettings() const
@@ -183,18 +179,12 @@ bool CNyrInputValue::MayBecomeValid(const QString& text) const
 
 int CNyrInputValue::RangeSide(const std::any& value) const
 {
-    const double v = std::any_cast<double>(value);
-    if (d->minimum && v < *d->minimum)
-        return -1;
-    if (d->maximum && v > *d->maximum)
-        return 1;
-    return 0;
+    return d->range.Side(value);
 }
 
-std::string CNyrInputValue::BoundText(bool maximum) const
+std::any CNyrInputValue::Bound(bool maximum) const
 {
-    const std::optional<double>& bound = maximum ? d->maximum : d->minimum;
-    return bound ? Render(*bound).toStdString() : std::string();
+    return d->range.Bound(maximum);
 }
 
 std::string CNyrInputValue::Description() const

@@ -64,7 +64,7 @@ protected:
     bool FollowsMessage(unsigned int message) const override;
     bool MayBecomeValid(const QString& text) const override;
     int RangeSide(const std::any& value) const override;
-    std::string BoundText(bool maximum) const override;
+    std::any Bound(bool maximum) const override;
     std::string Description() const override;
     // Letters the kind's texts carry besides the common ones (hemispheres).
     void AllowCharacters(const QString& characters);
