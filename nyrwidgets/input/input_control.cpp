@@ -208,7 +208,10 @@ int CNyrInputControl::Validate()
 
 int CNyrInputControl::ValidateEmpty()
 {
+    const QPointer<CNyrInputControl> self(this);
     const qintptr answer = NotifyOwner(WM_NYR_INPUT_CONTROL_VALIDATE_EMPTY, d->allowEmpty ? 1 : 0);
+    if (!self)
+        return 0;
     if (answer < 0 || (answer == 0 && !d->allowEmpty))
         return Fail(NyrLoadString(26078));
     Commit({});
@@ -360,7 +363,8 @@ bool CNyrInputControl::HandleMessage(unsigned int message, quintptr wParam)
 void CNyrInputControl::CommitInline(qintptr how)
 {
     const QPointer<QObject> host = d->host;
-    if (host && Validate() && host)
+    const QPointer<CNyrInputControl> self(this);
+    if (host && Validate() && host && self)
         NyrSendMessage(host, WM_NYR_INPUT_CONTROL_SAVE_VALUE_INLINE, reinterpret_cast<quintptr>(this), how);
 }
 

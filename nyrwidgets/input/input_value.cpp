@@ -147,7 +147,9 @@ bool CNyrInputValue::Read(const QString& text, std::any& value, long unit) const
     v.Status();
     if (v.ConvertToStd(utf8.c_str(), unit) != NYR_VALUE_OK) {
         // In DMS and Gon a single decimal number is the packed form.
-        const long packed = unit == NYR_UNIT_DMS ? NYR_UNIT_DECIMAL_DMS : unit == NYR_UNIT_GON ? NYR_UNIT_DECIMAL_GON : 0;
+        const long packed = unit == NYR_UNIT_DMS   ? NYR_UNIT_DECIMAL_DMS
+                            : unit == NYR_UNIT_GON ? NYR_UNIT_DECIMAL_GON
+                                                   : 0;
         v.Status();
         if (!packed || v.UnitSettings().Format().UseSecOnly() || !IsPackedNumber(utf8) ||
             v.ConvertToStd(utf8.c_str(), packed) != NYR_VALUE_OK) {

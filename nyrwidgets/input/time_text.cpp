@@ -4,16 +4,13 @@
 #include <cmath>
 #include <cstdint>
 
+#include "nyr/platform/ascii_p.h"
+
 namespace nyr::input {
 
 namespace {
 
 constexpr double kSecondInDays = 1.0 / 86400.0;
-
-char Lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 bool IsDigit(char c)
 {
@@ -74,33 +71,21 @@ struct Scanner
     }
     bool Prefix(std::string_view word)
     {
-        if (text.size() - i < word.size())
+        if (text.size() - i < word.size() || !nyr::ascii::EqualsNoCase(text.substr(i, word.size()), word))
             return false;
-        for (std::size_t k = 0; k < word.size(); ++k)
-            if (Lower(text[i + k]) != Lower(word[k]))
-                return false;
         i += word.size();
         return true;
     }
 };
 
-bool EqualsNoCase(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size())
-        return false;
-    for (std::size_t k = 0; k < a.size(); ++k)
-        if (Lower(a[k]) != Lower(b[k]))
-            return false;
-    return true;
-}
-
 // The month of an English name or its three-letter form; 0 for none.
 long MonthOfName(std::string_view word)
 {
-    static constexpr std::string_view kNames[] = {"January", "February", "March",     "April",   "May",      "June",
-                                                  "July",    "August",   "September", "October", "November", "December"};
+    static constexpr std::string_view kNames[] = {"January", "February", "March",     "April",
+                                                  "May",     "June",     "July",      "August",
+                                                  "September", "October", "November", "December"};
     for (long m = 0; m < 12; ++m)
-        if (EqualsNoCase(word, kNames[m]) || EqualsNoCase(word, kNames[m].substr(0, 3)))
+        if (nyr::ascii::EqualsNoCase(word, kNames[m]) || nyr::ascii::EqualsNoCase(word, kNames[m].substr(0, 3)))
             return m + 1;
     return 0;
 }
@@ -138,8 +123,9 @@ bool ReadConversion(char letter, Scanner& s, Fields& f)
     case 'S': return s.Number(2, f.second) && s.Fraction(f.fraction);
     case 'p': {
         const std::string_view word = s.Word();
-        const char first = word.empty() ? '\0' : Lower(word[0]);
-        if ((first != 'a' && first != 'p') || !(word.size() == 1 || (word.size() == 2 && Lower(word[1]) == 'm')))
+        const char first = word.empty() ? '\0' : nyr::ascii::ToLower(word[0]);
+        const bool m = word.size() == 2 && nyr::ascii::ToLower(word[1]) == 'm';
+        if ((first != 'a' && first != 'p') || !(word.size() == 1 || m))
             return false;
         f.marker = first == 'a' ? 1 : 2;
         return true;

@@ -134,7 +134,8 @@ int CNyrReportViewInplace::Store(long long how)
     if (how == 1 || how == -1) {
         const int screenCol = m_view->ScreenColFromReal(realCol);
         const int visual = screenCol < 0 ? -1 : m_view->horizontalHeader()->visualIndex(screenCol);
-        const int next = visual < 0 ? -1 : EditableColFrom(realItem, visual + static_cast<int>(how), static_cast<int>(how));
+        const int step = static_cast<int>(how);
+        const int next = visual < 0 ? -1 : EditableColFrom(realItem, visual + step, step);
         if (next >= 0)
             Begin(realItem, static_cast<unsigned int>(next));
     }

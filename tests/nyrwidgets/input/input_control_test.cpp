@@ -39,8 +39,8 @@ protected:
     {
         NyrSetProfilePath(m_dir.File("Nyr240.INI"));
         CNyrTime::SaveTimeFormat(0);
-        for (CNyrUnitSettingsAngle* angles : {&CNyrUnitSettingsAngle::Default(),
-                                              static_cast<CNyrUnitSettingsAngle*>(&CNyrUnitSettingsAngleLatLon::Default())}) {
+        CNyrUnitSettingsAngle* geo = &CNyrUnitSettingsAngleLatLon::Default();
+        for (CNyrUnitSettingsAngle* angles : {&CNyrUnitSettingsAngle::Default(), geo}) {
             angles->Unit(NYR_UNIT_DMS);
             angles->Precision(5);
             angles->UseDmsSymbols(1);

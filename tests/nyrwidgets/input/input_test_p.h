@@ -80,7 +80,9 @@ inline void Retype(QLineEdit& edit, const QString& text)
 class German
 {
 public:
-    German() : m_module(CNyrResourceModule::LoadFromFile(NYR_SOURCE_DIR "/data/lang/de.lang")), m_saved(NyrGetNyrResourceHandle())
+    German()
+        : m_module(CNyrResourceModule::LoadFromFile(NYR_SOURCE_DIR "/data/lang/de.lang")),
+          m_saved(NyrGetNyrResourceHandle())
     {
         if (m_module)
             NyrSetNyrResourceHandle(m_module.get());

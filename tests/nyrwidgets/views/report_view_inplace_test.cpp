@@ -341,7 +341,7 @@ TEST_F(Inplace, RandomStepsKeepTheEditorOnAnEditableCell)
         case 3: Key(Qt::Key_Escape); break;
         case 4: Key(pick(2) ? Qt::Key_Tab : Qt::Key_Backtab); break;
         case 5: view.HideRealItem(pick(items), static_cast<int>(pick(2))); break;
-        case 6: view.SortList(std::vector<CNyrReportView::SORT_STATE_REALCOL>{{pick(4), static_cast<int>(pick(2))}}); break;
+        case 6: view.SortList({CNyrReportView::SORT_STATE_REALCOL{pick(4), static_cast<int>(pick(2))}}); break;
         case 7: view.DeleteRealItem(pick(items)); break;
         case 8: view.AppendRealItem(new PointItem("n" + std::to_string(step), step, 0)); break;
         case 9: {
