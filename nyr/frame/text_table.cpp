@@ -288,6 +288,20 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26335, "The leap-second list %s holds no leap seconds."},
     {26336, "The leap-second table cannot be written to the settings file %s: %s"},
     {26337, "The leap-second table cannot be written to the settings file %s."},
+    // Input fields: what each typed field is for, told to assistive technology
+    {26360, "Integer number"},
+    {26361, "Number"},
+    {26362, "Text"},
+    {26363, "File name"},
+    {26364, "Angle"},
+    {26365, "Distance"},
+    {26366, "Latitude"},
+    {26367, "Longitude"},
+    {26368, "Date and time"},
+    {26369, "Date"},
+    {26370, "Time"},
+    {26371, "Time span"},
+    {26372, "%s in %s"},
     // Application services: dialog buttons, About box, progress, recent
     // documents, browsing, single instance
     {26420, "&Apply"},

@@ -11,6 +11,7 @@
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
+#include "nyrwidgets/views/report_view_inplace_p.h"
 #include "nyrwidgets/views/report_view_p.h"
 #include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
 #include "nyrwidgets/views/sample_sort_p.h"
@@ -216,10 +217,12 @@ CNyrReportView::CNyrReportView(QWidget* parent) : CNyrListView(parent, nullptr),
     });
     connect(horizontalHeader(), &QWidget::customContextMenuRequested, this,
             [this](const QPoint& pos) { ShowContextMenu(horizontalHeader()->mapToGlobal(pos)); });
+    d->inplace = new CNyrReportViewInplace(this);
 }
 
 CNyrReportView::~CNyrReportView()
 {
+    d->inplace->Detach();
     StoreLayoutOnClose();
     // Items and columns go with the view; the model must not read them while
     // Qt takes the view apart.

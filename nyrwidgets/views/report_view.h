@@ -8,6 +8,7 @@
 #include "nyr/platform/export.h"
 #include "nyrwidgets/views/list_view.h"
 
+class CNyrInputControl;
 class CNyrReportViewCol;
 class CNyrReportViewItem;
 class CNyrReportViewMenuPopUp;
@@ -473,6 +474,37 @@ public:
     // Builds and shows a context menu at a global position, as the mouse
     // does: over a header section, a row or the background.
     void ShowContextMenu(const QPoint& globalPos);
+
+    // ---- In-place editing ----
+    //
+    // A cell is edited in the typed field its item names
+    // (CNyrReportViewItem::OnEditItemKind), laid over the cell. F2 edits the
+    // focused row's current cell, or its first editable one. So does a slow
+    // double click: a click on the current cell of a selected row that comes
+    // more than a double-click interval after the click before and is not the
+    // first of a double click; the view sends itself WM_NYR_DBLCLK_SLOW for
+    // it (wParam the real item, lParam the real column; a host may send it
+    // too). Enter saves, Escape cancels, Tab and Shift+Tab save and go on to
+    // the next editable cell of the row in display order (editing ends after
+    // the last); leaving the editor for elsewhere saves. The item stores or
+    // refuses the value (OnEditItemSave); a refused value keeps the editor
+    // open with its message. A stored value redraws the row at once
+    // (RefreshRealItem, notifying), and when the view is sorted by that
+    // column the rows are sorted again (DisplayRealItems), so the sort, find
+    // and save-as see the new value. An editor whose cell leaves the screen
+    // (its row or column hidden or deleted, the items cleaned up) is cancelled.
+
+    // Starts editing a cell; 1 when the editor is open. 0 when the item
+    // refuses (or is disabled), the cell is not on screen, or the value of a
+    // cell being edited is refused (that editor stays).
+    int EditRealItem(unsigned int realItem, unsigned int realCol);
+    // The open editor; null when no cell is being edited.
+    CNyrInputControl* GetInplaceEditor() const;
+    // The cell being edited; 0 (and nothing set) when none is.
+    int GetInplaceEditCell(unsigned int& realItem, unsigned int& realCol) const;
+    // Ends editing: with `save` as Enter does (0 when the value is refused:
+    // the editor stays open), without as Escape. 1 when no editor is open.
+    int EndInplaceEdit(int save);
 
 protected:
     // The hooks that tell subscribers; an override that does not call the

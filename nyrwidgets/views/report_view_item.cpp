@@ -128,3 +128,17 @@ QPointer<QObject> CNyrReportViewItem::OnGetItemDocument(unsigned int)
 {
     return {};
 }
+
+int CNyrReportViewItem::OnEditItemKind(unsigned int)
+{
+    return 0;
+}
+
+void CNyrReportViewItem::OnEditItemBegin(unsigned int, CNyrInputControl&)
+{
+}
+
+int CNyrReportViewItem::OnEditItemSave(unsigned int, CNyrInputControl&, std::string&)
+{
+    return 0;
+}

@@ -7,6 +7,7 @@
 #include "nyr/time/time.h"
 #include "nyrwidgets/views/compare.h"
 
+class CNyrInputControl;
 class CNyrReportView;
 class QObject;
 class QPainter;
@@ -118,6 +119,19 @@ public:
     // The document object the item stands for, owned elsewhere; the default
     // has none.
     virtual QPointer<QObject> OnGetItemDocument(unsigned int realCol);
+
+    // In-place editing (CNyrReportView::EditRealItem, F2, a slow double click).
+    // The typed field (eNyrInputKind) that edits the cell; 0 (NYR_INPUT_NONE,
+    // the default) keeps the cell from being edited.
+    virtual int OnEditItemKind(unsigned int realCol);
+    // Prepares the field before it shows: its value, and its range or
+    // precision as the cell needs. The default leaves it empty.
+    virtual void OnEditItemBegin(unsigned int realCol, CNyrInputControl& field);
+    // The field's new value, which passed the field's own rules (read it from
+    // the field of the kind OnEditItemKind named): store it and return
+    // non-zero, or refuse it with 0 and the message to show at the field in
+    // `message` (empty: the field's own "invalid" text). The default refuses.
+    virtual int OnEditItemSave(unsigned int realCol, CNyrInputControl& field, std::string& message);
 
     // Three-way comparisons for OnCompareItem (negative, 0, positive); each
     // forwards to the library's NyrCompare, NyrCompareIS, NyrCompareDatePart

@@ -14,6 +14,8 @@
 #include "nyrwidgets/views/report_view_col.h"
 #include "nyrwidgets/views/report_view_item.h"
 
+class CNyrReportViewInplace;
+
 namespace nyr::views_detail {
 
 // The two index spaces as distinct types, so that the bookkeeping cannot mix
@@ -181,6 +183,8 @@ struct CNyrReportView::Private
     // The screen shows the model (DisplayRealItems or a displayed append has
     // run): changes of visibility update the rows from then on.
     bool live = false;
+
+    CNyrReportViewInplace* inplace = nullptr;  // the in-place editing, a child of the view
 
     unsigned int menuStyles[3][2] = {};  // [header, item, item background][plain, shift]
     int menuRealCol = -1;                // the column under the last header menu
