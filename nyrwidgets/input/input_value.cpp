@@ -144,18 +144,17 @@ bool CNyrInputValue::Read(const QString& text, std::any& value, long unit) const
 {
     CNyrValue& v = *d->value;
     const std::string utf8 = text.toStdString();
+    // In DMS and Gon a single decimal number is the packed form, as surveyors
+    // type it: "12.3015" is 12° 30' 15", not 12° (the field reader would stop
+    // at the point).
+    const long packed = unit == NYR_UNIT_DMS   ? NYR_UNIT_DECIMAL_DMS
+                        : unit == NYR_UNIT_GON ? NYR_UNIT_DECIMAL_GON
+                                               : 0;
+    const long form = (packed && !v.UnitSettings().Format().UseSecOnly() && IsPackedNumber(utf8)) ? packed : unit;
     v.Status();
-    if (v.ConvertToStd(utf8.c_str(), unit) != NYR_VALUE_OK) {
-        // In DMS and Gon a single decimal number is the packed form.
-        const long packed = unit == NYR_UNIT_DMS   ? NYR_UNIT_DECIMAL_DMS
-                            : unit == NYR_UNIT_GON ? NYR_UNIT_DECIMAL_GON
-                                                   : 0;
+    if (v.ConvertToStd(utf8.c_str(), form) != NYR_VALUE_OK) {
         v.Status();
-        if (!packed || v.UnitSettings().Format().UseSecOnly() || !IsPackedNumber(utf8) ||
-            v.ConvertToStd(utf8.c_str(), packed) != NYR_VALUE_OK) {
-            v.Status();
-            return false;
-        }
+        return false;
     }
     value = v.GetDouble();
     return true;

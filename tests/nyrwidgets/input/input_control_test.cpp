@@ -94,7 +94,7 @@ TEST_F(Fields, EveryValidationMessageInEnglishAndGerman)
          "Minimum value is 3.281", "Der kleinste Wert ist 3.281"},
         {"number", Make<CNyrInputFloat>(), "1,5", "Invalid number", "Ungültige Zahl"},
         {"integer", Make<CNyrInputInteger>(), "1.5", "Invalid integer number", "Ungültige ganze Zahl"},
-        {"angle", Make<CNyrInputAngle>(), "12 60", "Invalid angle", "Ungültiger Winkel"},
+        {"angle", Make<CNyrInputAngle>(), "-", "Invalid angle", "Ungültiger Winkel"},
         {"distance", Make<CNyrInputDistance>(), "m", "Invalid distance", "Ungültige Strecke"},
         {"latitude", Make<CNyrInputLatitude>(), "91 00 00 N", "Invalid latitude", "Ungültige Breite"},
         {"longitude", Make<CNyrInputLongitude>(), "W", "Invalid longitude", "Ungültige Länge"},
