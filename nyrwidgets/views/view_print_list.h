@@ -87,3 +87,10 @@ NYR_EXPORT int NyrPrintListView(const CNyrListViewPrint::PRINT_INFO& info, QPage
 // reason (26414, 26415, 26416) in *error, when no file was written.
 NYR_EXPORT int NyrExportListViewPdf(const CNyrListViewPrint::PRINT_INFO& info, std::string* error = nullptr);
 
+// The command messages of the print entries in the views' menus, registered
+// on first use under the names "WM_NYR_REPORTVIEW_PRINT",
+// "WM_NYR_REPORTVIEW_PRINT_PREVIEW" and "WM_NYR_REPORTVIEW_EXPORT_PDF". A list
+// or report view sent one runs Print, PrintPreview or ExportPdf.
+NYR_EXPORT unsigned int NyrListViewPrintMessage();
+NYR_EXPORT unsigned int NyrListViewPrintPreviewMessage();
+NYR_EXPORT unsigned int NyrListViewExportPdfMessage();

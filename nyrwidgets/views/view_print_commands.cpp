@@ -1,0 +1,143 @@
+// The print commands of list and report views: options dialog, then the
+// printer's dialog, the print preview or the PDF file.
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+
+#include <algorithm>
+
+#include "nyr/frame/notifications.h"
+#include "nyr/frame/resource_module.h"
+#include "nyr/frame/ui_hooks.h"
+#include "nyrwidgets/msgbox/message_box_dialog.h"
+#include "nyrwidgets/views/report_view.h"
+#include "nyrwidgets/views/report_view_menu.h"
+#include "nyrwidgets/views/view_print_dlg.h"
+#include "nyrwidgets/views/view_print_p.h"
+
+namespace {
+
+CNyrListViewPrint::PRINT_INFO InfoFor(CNyrListView& view)
+{
+    CNyrListViewPrint::PRINT_INFO info;
+    info.list = &view;
+    info.title = view.GetPrintTitle();
+    return info;
+}
+
+// The printer's dialog and the preview let the user change orientation and
+// margins: they go back into the options.
+void TakePageLayout(CNyrListViewPrint::PRINT_INFO& info, const QPrinter& printer)
+{
+    const QPageLayout layout = printer.pageLayout();
+    info.landscape = layout.orientation() == QPageLayout::Landscape;
+    const QMargins m = layout.margins(QPageLayout::Millimeter).toMargins();
+    if (std::min({m.left(), m.top(), m.right(), m.bottom()}) >= 0 &&
+        std::max({m.left(), m.top(), m.right(), m.bottom()}) <= 100)
+        info.marginsMm = m;
+}
+
+void ShowError(const std::string& error, unsigned int captionId)
+{
+    NyrMessageBox(error, NyrLoadString(captionId), NYR_MB_OK | NYR_MB_ICONERROR);
+}
+
+}  // namespace
+
+unsigned int NyrListViewPrintMessage()
+{
+    static const unsigned int message = NyrRegisterWindowMessage("WM_NYR_REPORTVIEW_PRINT");
+    return message;
+}
+
+unsigned int NyrListViewPrintPreviewMessage()
+{
+    static const unsigned int message = NyrRegisterWindowMessage("WM_NYR_REPORTVIEW_PRINT_PREVIEW");
+    return message;
+}
+
+unsigned int NyrListViewExportPdfMessage()
+{
+    static const unsigned int message = NyrRegisterWindowMessage("WM_NYR_REPORTVIEW_EXPORT_PDF");
+    return message;
+}
+
+bool nyr::views_detail::OnPrintCommand(CNyrListView& view, unsigned int message)
+{
+    if (message == 0)
+        return false;
+    if (message == NyrListViewPrintMessage())
+        view.Print();
+    else if (message == NyrListViewPrintPreviewMessage())
+        view.PrintPreview();
+    else if (message == NyrListViewExportPdfMessage())
+        view.ExportPdf();
+    else
+        return false;
+    return true;
+}
+
+int CNyrListView::Print()
+{
+    CNyrListViewPrint::PRINT_INFO info = InfoFor(*this);
+    CNyrListViewPrintDlg options(info, CNyrListViewPrintDlg::ModePrint, this);
+    if (!options.Run(InifileSection()))
+        return 0;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(QString::fromStdString(info.title));
+    CNyrListViewPrint::ApplyPageLayout(info, printer);
+    QPrintDialog dialog(&printer, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return 0;
+    TakePageLayout(info, printer);
+    CNyrListViewPrint::StoreCustomProperties(info, InifileSection());
+    std::string error;
+    const int pages = NyrPrintListView(info, printer, &error);
+    if (pages == 0)
+        ShowError(error, 26040);
+    return pages;
+}
+
+int CNyrListView::PrintPreview()
+{
+    CNyrListViewPrint::PRINT_INFO info = InfoFor(*this);
+    CNyrListViewPrintDlg options(info, CNyrListViewPrintDlg::ModePreview, this);
+    if (!options.Run(InifileSection()))
+        return 0;
+    QPrinter printer(QPrinter::HighResolution);
+    // A layout that fails is told before the preview, not as empty pages.
+    CNyrListViewPrint part(info);
+    CNyrPrintout printout;
+    printout.AddPart(&part);
+    if (!CNyrListViewPrint::ApplyPageLayout(info, printer) || printout.CountPages(printer) == 0) {
+        ShowError(printout.GetError().empty() ? NyrLoadString(26414) : printout.GetError(), 26400);
+        return 0;
+    }
+    std::string error;
+    QPrintPreviewDialog preview(&printer, this);
+    connect(&preview, &QPrintPreviewDialog::paintRequested, this, [&info, &error](QPrinter* target) {
+        TakePageLayout(info, *target);
+        NyrPrintListView(info, *target, &error);
+    });
+    preview.exec();
+    CNyrListViewPrint::StoreCustomProperties(info, InifileSection());
+    if (!error.empty())
+        ShowError(error, 26400);
+    return 1;
+}
+
+int CNyrListView::ExportPdf()
+{
+    CNyrListViewPrint::PRINT_INFO info = InfoFor(*this);
+    CNyrListViewPrintDlg options(info, CNyrListViewPrintDlg::ModePdf, this);
+    // The dialog writes the file.
+    return options.Run(InifileSection()) ? options.GetPageCount() : 0;
+}
+
+void CNyrReportView::InsertMenuPrint(CNyrReportViewMenuPopUp& menu)
+{
+    const bool any = GetColumnCount() > 0;
+    menu.AppendCommand(26040, NyrListViewPrintMessage(), any);
+    menu.AppendCommand(26400, NyrListViewPrintPreviewMessage(), any);
+    menu.AppendCommand(26401, NyrListViewExportPdfMessage(), any);
+}
