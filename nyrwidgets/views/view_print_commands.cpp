@@ -106,14 +106,11 @@ int CNyrListView::PrintPreview()
         return 0;
     QPrinter printer(QPrinter::HighResolution);
     // A layout that fails is told before the preview, not as empty pages.
-    CNyrListViewPrint part(info);
-    CNyrPrintout printout;
-    printout.AddPart(&part);
-    if (!CNyrListViewPrint::ApplyPageLayout(info, printer) || printout.CountPages(printer) == 0) {
-        ShowError(printout.GetError().empty() ? NyrLoadString(26414) : printout.GetError(), 26400);
+    std::string error;
+    if (NyrCountListViewPages(info, printer, &error) == 0) {
+        ShowError(error, 26400);
         return 0;
     }
-    std::string error;
     QPrintPreviewDialog preview(&printer, this);
     connect(&preview, &QPrintPreviewDialog::paintRequested, this, [&info, &error](QPrinter* target) {
         TakePageLayout(info, *target);

@@ -365,7 +365,12 @@ int CNyrListViewPrint::ApplyPageLayout(const PRINT_INFO& info, QPagedPaintDevice
     return device.setPageMargins(QMarginsF(info.marginsMm), QPageLayout::Millimeter) ? 1 : 0;
 }
 
-int NyrPrintListView(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device, std::string* error)
+namespace {
+
+// Prints the view, or only counts its pages, as NyrPrintListView and
+// NyrCountListViewPages promise.
+int PrintOrCount(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device, bool print,
+                 std::string* error)
 {
     std::string ignored;
     std::string& why = error ? *error : ignored;
@@ -380,10 +385,22 @@ int NyrPrintListView(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevic
     if (info.list)
         printout.SetFont(PrintFont(*info.list));
     printout.AddPart(&part);
-    const int pages = printout.Print(device);
+    const int pages = print ? printout.Print(device) : printout.CountPages(device);
     if (pages == 0)
         why = printout.GetError();
     return pages;
+}
+
+}  // namespace
+
+int NyrPrintListView(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device, std::string* error)
+{
+    return PrintOrCount(info, device, true, error);
+}
+
+int NyrCountListViewPages(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device, std::string* error)
+{
+    return PrintOrCount(info, device, false, error);
 }
 
 int NyrExportListViewPdf(const CNyrListViewPrint::PRINT_INFO& info, std::string* error)

@@ -80,6 +80,11 @@ private:
 // when nothing could be printed.
 NYR_EXPORT int NyrPrintListView(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device,
                                 std::string* error = nullptr);
+// Lays out only: sets the device's orientation and margins as
+// NyrPrintListView does and returns the number of pages it would print; 0,
+// with the reason in *error, when it could print none.
+NYR_EXPORT int NyrCountListViewPages(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device,
+                                     std::string* error = nullptr);
 
 // Writes the view to the PDF file info.fileName on paper of info.pageSize.
 // The file appears whole or not at all: an existing file is replaced only
