@@ -3,7 +3,6 @@
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
-
 #include <algorithm>
 
 #include "nyr/frame/notifications.h"
@@ -17,12 +16,19 @@
 
 namespace {
 
-CNyrListViewPrint::PRINT_INFO InfoFor(CNyrListView& view)
+// The options dialog of `mode` on the view's rows under its print title,
+// the choices loaded from and stored to the view's settings section. Returns
+// 1 when the user confirmed (for a PDF: and the file was written, with its
+// pages in `pages`).
+int AskOptions(CNyrListView& view, int mode, CNyrListViewPrint::PRINT_INFO& info, int* pages = nullptr)
 {
-    CNyrListViewPrint::PRINT_INFO info;
     info.list = &view;
     info.title = view.GetPrintTitle();
-    return info;
+    CNyrListViewPrintDlg options(info, mode, &view);
+    const int confirmed = options.Run(view.InifileSection());
+    if (pages)
+        *pages = options.GetPageCount();
+    return confirmed;
 }
 
 // The printer's dialog and the preview let the user change orientation and
@@ -79,14 +85,17 @@ bool nyr::views_detail::OnPrintCommand(CNyrListView& view, unsigned int message)
 
 int CNyrListView::Print()
 {
-    CNyrListViewPrint::PRINT_INFO info = InfoFor(*this);
-    CNyrListViewPrintDlg options(info, CNyrListViewPrintDlg::ModePrint, this);
-    if (!options.Run(InifileSection()))
+    CNyrListViewPrint::PRINT_INFO info;
+    if (!AskOptions(*this, CNyrListViewPrintDlg::ModePrint, info))
         return 0;
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(QString::fromStdString(info.title));
     CNyrListViewPrint::ApplyPageLayout(info, printer);
     QPrintDialog dialog(&printer, this);
+    // The rows are chosen in the options; the printout is printed whole.
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, false);
     if (dialog.exec() != QDialog::Accepted)
         return 0;
     TakePageLayout(info, printer);
@@ -100,9 +109,8 @@ int CNyrListView::Print()
 
 int CNyrListView::PrintPreview()
 {
-    CNyrListViewPrint::PRINT_INFO info = InfoFor(*this);
-    CNyrListViewPrintDlg options(info, CNyrListViewPrintDlg::ModePreview, this);
-    if (!options.Run(InifileSection()))
+    CNyrListViewPrint::PRINT_INFO info;
+    if (!AskOptions(*this, CNyrListViewPrintDlg::ModePreview, info))
         return 0;
     QPrinter printer(QPrinter::HighResolution);
     // A layout that fails is told before the preview, not as empty pages.
@@ -125,10 +133,10 @@ int CNyrListView::PrintPreview()
 
 int CNyrListView::ExportPdf()
 {
-    CNyrListViewPrint::PRINT_INFO info = InfoFor(*this);
-    CNyrListViewPrintDlg options(info, CNyrListViewPrintDlg::ModePdf, this);
     // The dialog writes the file.
-    return options.Run(InifileSection()) ? options.GetPageCount() : 0;
+    CNyrListViewPrint::PRINT_INFO info;
+    int pages = 0;
+    return AskOptions(*this, CNyrListViewPrintDlg::ModePdf, info, &pages) ? pages : 0;
 }
 
 void CNyrReportView::InsertMenuPrint(CNyrReportViewMenuPopUp& menu)

@@ -40,13 +40,16 @@ struct Placed
 
 constexpr QRgb kDisabledText = 0xFF808080;
 
+bool IsBreak(QChar c)
+{
+    return c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
+}
+
 // Tabs and line breaks would not print as the screen shows them.
 QString OneLine(QString text)
 {
-    for (QChar& c : text) {
-        if (c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r'))
-            c = QLatin1Char(' ');
-    }
+    if (std::any_of(text.cbegin(), text.cend(), IsBreak))
+        std::replace_if(text.begin(), text.end(), IsBreak, QLatin1Char(' '));
     return text;
 }
 
