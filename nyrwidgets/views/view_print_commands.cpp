@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "nyr/frame/notifications.h"
-#include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/report_view.h"
@@ -45,7 +44,7 @@ void TakePageLayout(CNyrListViewPrint::PRINT_INFO& info, const QPrinter& printer
 
 void ShowError(const std::string& error, unsigned int captionId)
 {
-    NyrMessageBox(error, NyrLoadString(captionId), NYR_MB_OK | NYR_MB_ICONERROR);
+    NyrMessageBox(error, nyr::views_detail::MenuTextAsTitle(captionId), NYR_MB_OK | NYR_MB_ICONERROR);
 }
 
 }  // namespace

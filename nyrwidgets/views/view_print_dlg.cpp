@@ -23,22 +23,13 @@
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/list_view.h"
 #include "nyrwidgets/views/report_view.h"
+#include "nyrwidgets/views/view_print_p.h"
 
 namespace {
 
 QString Text(unsigned int id)
 {
     return QString::fromStdString(NyrLoadString(id));
-}
-
-// A menu text as a window title: without mnemonic, shortcut and ellipsis.
-QString Title(unsigned int id)
-{
-    QString text = Text(id);
-    text = text.left(text.indexOf(QLatin1Char('\t')));
-    if (text.endsWith(QStringLiteral("...")))
-        text.chop(3);
-    return text.remove(QLatin1Char('&'));
 }
 
 // Two or three radio buttons in a titled group; the first is checked.
@@ -75,6 +66,15 @@ bool AnyRow(const CNyrListView& list, int what)
 
 }  // namespace
 
+std::string nyr::views_detail::MenuTextAsTitle(unsigned int textId)
+{
+    QString text = Text(textId);
+    text = text.left(text.indexOf(QLatin1Char('\t')));
+    if (text.endsWith(QStringLiteral("...")))
+        text.chop(3);
+    return text.remove(QLatin1Char('&')).toStdString();
+}
+
 struct CNyrListViewPrintDlg::Private
 {
     CNyrListViewPrint::PRINT_INFO* info;
@@ -90,7 +90,8 @@ struct CNyrListViewPrintDlg::Private
 CNyrListViewPrintDlg::CNyrListViewPrintDlg(CNyrListViewPrint::PRINT_INFO& info, int mode, QWidget* parent)
     : QDialog(parent), d(new Private{&info, mode})
 {
-    setWindowTitle(Title(mode == ModePdf ? 26401 : mode == ModePreview ? 26400 : 26040));
+    setWindowTitle(QString::fromStdString(
+        nyr::views_detail::MenuTextAsTitle(mode == ModePdf ? 26401 : mode == ModePreview ? 26400 : 26040)));
     auto* grid = new QGridLayout(this);
     int row = 0;
     if (mode == ModePdf) {
