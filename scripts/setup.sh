@@ -10,7 +10,7 @@ nyr_packages() {
   local common="build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libssl-dev tzdata"
   case "$1" in
     main)  echo "$common libgeographiclib-dev" ;;
-    test)  echo "$common libgtest-dev libgmock-dev libssl-dev libgeographiclib-dev python3 python3-aiosmtpd xdg-utils postfix" ;;
+    test)  echo "$common libgtest-dev libgmock-dev libssl-dev libgeographiclib-dev python3 python3-aiosmtpd xdg-utils postfix poppler-utils fonts-dejavu-core" ;;
     bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas clang postfix" ;;
   esac
 }

@@ -25,6 +25,11 @@ const char* CNyrProfileEntries::ListViewFindDialogSearchAll() { return "SearchAl
 const char* CNyrProfileEntries::ListViewFindDialogSearchString() { return "SearchString"; }
 const char* CNyrProfileEntries::ListViewSaveAsDlgIncludeHeader() { return "IncludeHeader"; }
 const char* CNyrProfileEntries::ListViewSaveAsDlgSaveWhat() { return "SaveWhat"; }
+const char* CNyrProfileEntries::ListViewPrintWhat() { return "PrintWhat"; }
+const char* CNyrProfileEntries::ListViewPrintFitToWidth() { return "PrintFitToWidth"; }
+const char* CNyrProfileEntries::ListViewPrintLandscape() { return "PrintLandscape"; }
+const char* CNyrProfileEntries::ListViewPrintMargins() { return "PrintMargins"; }
+const char* CNyrProfileEntries::ListViewPrintPdfFile() { return "PrintPdfFile"; }
 const char* CNyrProfileEntries::ReportViewColWidth() { return "ColWidth"; }
 const char* CNyrProfileEntries::ReportViewColOrder() { return "ColOrder"; }
 const char* CNyrProfileEntries::ReportViewSortState() { return "SortState"; }

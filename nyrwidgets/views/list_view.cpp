@@ -14,6 +14,7 @@
 #include "nyrwidgets/views/list_view_p.h"
 #include "nyrwidgets/views/list_view_save_as_dlg_cv.h"
 #include "nyrwidgets/views/sample_sort_p.h"
+#include "nyrwidgets/views/view_print_p.h"
 
 namespace {
 
@@ -202,6 +203,7 @@ struct CNyrListView::Private
     std::vector<SORT_STATE_SCREENCOL> sortState;  // screen form of the state shown by the header marks
     std::vector<QIcon> images;
     std::string inifileSection;  // empty: the class name
+    std::string printTitle;      // empty: the window's title
     bool checkBoxes = false;
     bool suppressSelect = false;
     bool suppressCheck = false;
@@ -380,6 +382,16 @@ void CNyrListView::SetInifileSection(const std::string& section)
 std::string CNyrListView::InifileSection() const
 {
     return d->inifileSection.empty() ? std::string(metaObject()->className()) : d->inifileSection;
+}
+
+void CNyrListView::SetPrintTitle(const std::string& title)
+{
+    d->printTitle = title;
+}
+
+std::string CNyrListView::GetPrintTitle() const
+{
+    return d->printTitle.empty() ? window()->windowTitle().toStdString() : d->printTitle;
 }
 
 void CNyrListView::SetSuppressSelectNotifications(bool suppress)
@@ -663,7 +675,7 @@ bool CNyrListView::event(QEvent* e)
             FindNext(message == WM_NYR_REPORTVIEW_FIND_NEXT);
         else if (message == WM_NYR_REPORTVIEW_SAVE_AS)
             SaveAs();
-        else
+        else if (!nyr::views_detail::OnPrintCommand(*this, message))
             return QTableView::event(e);
         m->SetResult(1);
         return true;
@@ -680,6 +692,8 @@ void CNyrListView::keyPressEvent(QKeyEvent* e)
         FindNext(modifiers == Qt::NoModifier);
     } else if (e->matches(QKeySequence::FindNext) || e->matches(QKeySequence::FindPrevious)) {
         FindNext(e->matches(QKeySequence::FindNext));
+    } else if (e->matches(QKeySequence::Print)) {
+        Print();
     } else {
         QTableView::keyPressEvent(e);
         return;

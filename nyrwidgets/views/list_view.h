@@ -26,7 +26,8 @@ class CNyrHeaderCtrlSort;
 // dialog, F3 and Shift+F3 repeat the search forward and backward without it.
 // It writes its rows to a text file (SaveAs). Both are reached through the
 // command messages WM_NYR_REPORTVIEW_FIND, ..._FIND_NEXT, ..._FIND_PREV and
-// ..._SAVE_AS as well.
+// ..._SAVE_AS as well. It prints its rows, shows them in a print preview and
+// writes them to a PDF file (Print, PrintPreview, ExportPdf; Ctrl+P prints).
 class NYR_EXPORT CNyrListView : public QTableView
 {
     Q_OBJECT
@@ -167,6 +168,22 @@ public:
     // stored to the view's settings section) and writes the rows to it.
     // Returns 1 when the file was written.
     virtual int SaveAs();
+
+    // ---- Printing ----
+
+    // The title on top of every printed page; empty (the default): the title
+    // of the view's window.
+    void SetPrintTitle(const std::string& title);
+    std::string GetPrintTitle() const;
+    // Ctrl+P and the menus' "&Print", "Print Pre&view..." and "Export
+    // P&DF...": the print options (CNyrListViewPrintDlg, its choices loaded
+    // from and stored to the view's settings section), then the printer's
+    // dialog, the print preview or the PDF file. Failures are shown to the
+    // user. Print and ExportPdf return the number of pages printed, 0 when
+    // nothing was; PrintPreview returns 1 when the preview was shown.
+    virtual int Print();
+    virtual int PrintPreview();
+    virtual int ExportPdf();
 
 protected:
     // For views that bring their own model instead of the plain list (null:

@@ -90,6 +90,7 @@ public:
         MenuFind = 0x0200,         // "&Find...\tCtrl+F"
         MenuFindNP = 0x0400,       // "Find &Next", "Find P&revious"
         MenuSaveAs = 0x0800,       // "Save &As..."
+        MenuPrint = 0x1000,        // "&Print\tCtrl+P", "Print Pre&view...", "Export P&DF..."
     };
 
     // What the columns dialog lets the user change (bits of ColumnsDlgStyle).
@@ -464,6 +465,8 @@ public:
     void InsertMenuFind(CNyrReportViewMenuPopUp& menu);
     void InsertMenuFindNP(CNyrReportViewMenuPopUp& menu);
     void InsertMenuSaveAs(CNyrReportViewMenuPopUp& menu);
+    // Print, print preview and PDF export (enabled while a column shows).
+    void InsertMenuPrint(CNyrReportViewMenuPopUp& menu);
     void InsertMenuSelect(CNyrReportViewMenuPopUp& menu);
     void InsertMenuCheck(CNyrReportViewMenuPopUp& menu);
     void InsertMenuModify(CNyrReportViewMenuPopUp& menu);

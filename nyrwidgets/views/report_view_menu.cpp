@@ -35,7 +35,8 @@ unsigned int (&MenuDefaults())[3][2]
                                     CNyrReportView::MenuViewHide | CNyrReportView::MenuColumns |
                                     CNyrReportView::MenuGlobal;
     constexpr unsigned int rows = CNyrReportView::MenuSelect | CNyrReportView::MenuCheck | CNyrReportView::MenuFind |
-                                  CNyrReportView::MenuFindNP | CNyrReportView::MenuSaveAs | CNyrReportView::MenuGlobal;
+                                  CNyrReportView::MenuFindNP | CNyrReportView::MenuSaveAs | CNyrReportView::MenuPrint |
+                                  CNyrReportView::MenuGlobal;
     static unsigned int defaults[3][2] = {
         {header, header},
         {rows, rows | CNyrReportView::MenuModify | CNyrReportView::MenuDelete},
@@ -361,6 +362,11 @@ void CNyrReportView::InsertMenuFindAndSaveAs(CNyrReportViewMenuPopUp& menu, unsi
     if (style & MenuSaveAs) {
         menu.AppendSeparator();
         InsertMenuSaveAs(menu);
+    }
+    if (style & MenuPrint) {
+        if (!(style & MenuSaveAs))
+            menu.AppendSeparator();
+        InsertMenuPrint(menu);
     }
 }
 

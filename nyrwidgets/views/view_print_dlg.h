@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+#include <string>
+
+#include "nyr/platform/export.h"
+#include "nyrwidgets/views/view_print_list.h"
+
+class QLineEdit;
+class QRadioButton;
+class QSpinBox;
+
+// The print options of a list view: which rows ("All", "Selected",
+// "Checked"), fit to the page width or keep the column widths, portrait or
+// landscape, the four margins; for a PDF export also the file, written when
+// the user confirms. Choices that make no sense now (selected rows when none
+// is selected) are disabled.
+class NYR_EXPORT CNyrListViewPrintDlg : public QDialog
+{
+    Q_OBJECT
+public:
+    // What follows the dialog: the printer's dialog, the print preview, or
+    // the PDF file (the dialog writes it).
+    enum eMode { ModePrint = 0, ModePreview = 1, ModePdf = 2 };
+    // Margin sides, in the order of QMargins.
+    enum eSide { SideLeft = 0, SideTop = 1, SideRight = 2, SideBottom = 3 };
+
+    // The dialog edits `info`, which must outlive it; info.list must be set.
+    CNyrListViewPrintDlg(CNyrListViewPrint::PRINT_INFO& info, int mode, QWidget* parent = nullptr);
+    ~CNyrListViewPrintDlg() override;
+
+    // Loads the choices stored in `section`, shows the dialog modally and,
+    // when the user confirms (and, for a PDF, the file was written), stores
+    // them. Returns 1 then, else 0.
+    int Run(const std::string& section);
+
+    // The controls into the info. For a PDF: an empty name is refused (26271),
+    // ".pdf" is added to a name without an extension, replacing an existing
+    // file is asked first (26274), and the file is written; a failure is
+    // shown and the dialog stays open.
+    void accept() override;
+    // The pages of the PDF the dialog wrote; 0 when it wrote none.
+    int GetPageCount() const;
+
+    QRadioButton* PrintWhatButton(int printWhat) const;
+    QRadioButton* FitToWidthButton(bool fit) const;
+    QRadioButton* LandscapeButton(bool landscape) const;
+    QSpinBox* MarginBox(int side) const;
+    // Null unless the mode is ModePdf.
+    QLineEdit* FileNameEdit() const;
+
+protected:
+    void showEvent(QShowEvent* e) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+
+    void InfoToControls();
+    void ControlsToInfo();
+    // Enables "Selected" and "Checked" only when some row is; a disabled
+    // choice that was set falls back to all rows.
+    void UpdateRowChoice();
+    bool WritePdf();
+    void Browse();
+};
