@@ -40,6 +40,28 @@ class QMenu;
 // turns notify off for its kind of change. Changes made through the item's
 // own operations (CNyrReportViewItem::SelectItem, ...) reach neither the
 // screen nor the subscribers until the view redraws or rebuilds its rows.
+//
+// The rule every way of changing an item follows (the operations here, the
+// menu commands, the keys, the mouse, the find dialog):
+//  - Each change of an item's selected, checked, disabled or hidden bit is
+//    told once, hidden item or not; a request that leaves the bit as it was
+//    is not told (even where the item's hook runs, as for CheckItem(1) on a
+//    hidden item). Deleting is never told.
+//  - No item is ever selected and disabled at once: selecting a disabled
+//    item is refused, disabling a selected one deselects it first (told
+//    before the disabling), hidden or not.
+//  - The "All" operations (SelectAllItems, InvertSelection,
+//    SelectCheckedItems, CheckAllItems, InvertChecked, DisableAllItems) act
+//    on the visible items, the rows the user sees, whichever way they are
+//    reached (Ctrl+A is SelectAllItems): hidden items keep their bits and
+//    show them again when viewed. HideAllItems(0) views the hidden ones.
+//  - What Qt shows selected is always the model's selection of the items on
+//    screen, also when a subscriber hides, shows or sorts rows while it is
+//    told of the user's selection: the rows the user chose are turned into
+//    items before anyone is told.
+//  - A change a subscriber makes while it is told of another is told to all
+//    subscribers after that one has reached them all, so that every
+//    subscriber hears of the changes in the order they were made.
 class NYR_EXPORT CNyrReportView : public CNyrListView
 {
     Q_OBJECT
@@ -202,6 +224,8 @@ public:
     void SelectRealItem(unsigned int realItem, int select, int notify = 1);
     void SelectRealItems(const std::vector<unsigned int>& realItems, int select, int notify = 1);
     void SelectAllItems(int select, int notify = 1);
+    // Ctrl+A and Qt's own select-all: SelectAllItems(1, 1).
+    void selectAll() override;
     void InvertSelection(int notify = 1);
     // Selects exactly the checked items.
     void SelectCheckedItems(int notify = 1);
