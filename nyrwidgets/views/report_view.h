@@ -106,7 +106,7 @@ public:
         MenuSelect = 0x0010,       // select all, invert selection, select checked items
         MenuCheck = 0x0020,        // check all, invert checked (only with check boxes)
         MenuModify = 0x0040,       // "&Modify..." (item menu: OnModifyRealItem)
-        MenuDelete = 0x0080,       // "&Delete\tDEL"; also lets the Delete key delete the selection
+        MenuDelete = 0x0080,       // "&Delete\tDEL"; in either item menu, lets the Delete key delete the selection
         MenuGlobal = 0x0100,       // the application's global menu of that kind
         MenuFind = 0x0200,         // "&Find...\tCtrl+F"
         MenuFindNP = 0x0400,       // "Find &Next", "Find P&revious"
@@ -495,8 +495,10 @@ public:
     void InsertGlobalItemMenu(CNyrReportViewMenuPopUp& menu);
     void InsertGlobalItemBkMenu(CNyrReportViewMenuPopUp& menu);
     // Builds and shows a context menu at a global position, as the mouse
-    // does: over a header section, a row or the background.
+    // does: over a header section, a row or the background; the shift
+    // variant when Shift is held now, or when `shift` says so.
     void ShowContextMenu(const QPoint& globalPos);
+    void ShowContextMenu(const QPoint& globalPos, bool shift);
 
 protected:
     // The hooks that tell subscribers; an override that does not call the

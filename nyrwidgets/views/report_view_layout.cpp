@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "nyr/util/profile_entries.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/views/report_view_columns_dlg.h"
 #include "nyrwidgets/views/report_view_p.h"
 
@@ -236,7 +237,7 @@ int CNyrReportView::ColumnsDialog()
     if (!d->columnsDlgStyle)
         return 0;
     CNyrReportViewColumnsDlg dialog(this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (NyrExecDialog(dialog) != QDialog::Accepted)
         return 0;
     const std::vector<CNyrReportViewColumnsDlg::COLUMN> columns = dialog.GetColumns();
     HoldAllColInfos();

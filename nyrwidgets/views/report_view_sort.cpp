@@ -2,6 +2,7 @@
 // "SortState" and the header click rules.
 #include "nyr/frame/notifications.h"
 #include "nyr/util/profile_entries.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/report_view_p.h"
@@ -151,7 +152,7 @@ int CNyrReportView::GetSerializeSortStateDefault()
 int CNyrReportView::SortMultiple()
 {
     CNyrReportViewSortMultipleDlg dialog(this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (NyrExecDialog(dialog) != QDialog::Accepted)
         return 0;
     SortList(dialog.GetSortState());
     return 1;

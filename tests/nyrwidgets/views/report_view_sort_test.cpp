@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QTest>
-#include <QTimer>
 #include <numeric>
 
 #include "nyr/frame/notifications.h"
@@ -353,14 +352,15 @@ TEST(SortMultipleDlg, TheMenuCommandSortsByTheChosenKeys)
     CNyrReportView view;
     Fill(view, 5);
     view.SortList(std::vector<SortKey>{{0, 0}});
-    QTimer::singleShot(0, [] {
-        auto* dialog = qobject_cast<CNyrReportViewSortMultipleDlg*>(QApplication::activeModalWidget());
+    nyr::test::DialogAnswer answer([](QDialog& d) {
+        auto* dialog = qobject_cast<CNyrReportViewSortMultipleDlg*>(&d);
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(dialog->GetChoice(0), 0);  // starts from the view's state
         dialog->SetChoice(0, 1, 1);
         dialog->accept();
     });
     NyrSendMessage(&view, WM_NYR_REPORTVIEW_SORT_MULTIPLE);
+    EXPECT_EQ(answer.opened, 1);
     EXPECT_EQ(State(view), (std::vector<std::pair<unsigned, int>>{{1, 1}}));
 }
 

@@ -3,6 +3,8 @@
 // Items, subscribers and helpers shared by the view tests.
 
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QDialog>
 #include <QItemSelectionModel>
 #include <QObject>
 #include <QPainter>
@@ -14,9 +16,11 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/ui_hooks.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_item.h"
+#include "nyrwidgets/views/report_view_menu.h"
 
 namespace nyr::test {
 
@@ -286,6 +290,42 @@ struct MessageLog
     std::vector<std::string> texts;
     std::vector<unsigned> styles;
 };
+
+// Answers the library's dialogs while it lives: each one that opens is handed
+// to `answer` (which closes it as the user would) and counted.
+struct DialogAnswer
+{
+    explicit DialogAnswer(std::function<void(QDialog&)> answer)
+    {
+        saved = NyrSetDialogHook([this, answer = std::move(answer)](QDialog& dialog) {
+            ++opened;
+            answer(dialog);
+        });
+    }
+    ~DialogAnswer() { NyrSetDialogHook(saved); }
+    DialogAnswer(const DialogAnswer&) = delete;
+    DialogAnswer& operator=(const DialogAnswer&) = delete;
+    int opened = 0;
+    NyrDialogHook saved;
+};
+
+// Right-clicks `viewport` (a view's or its header's) at `pos` as the user
+// does, with Shift when asked; `choose` picks the entry of the menu that
+// shows. Returns how many menus showed.
+inline int RightClick(QWidget* viewport, const QPoint& pos, bool shift,
+                      const std::function<QAction*(CNyrReportViewMenuPopUp&)>& choose)
+{
+    int shown = 0;
+    const auto saved = CNyrReportViewMenuPopUp::SetChoiceHook([&](CNyrReportViewMenuPopUp& menu) {
+        ++shown;
+        return choose(menu);
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, pos, viewport->mapToGlobal(pos),
+                            shift ? Qt::ShiftModifier : Qt::NoModifier);
+    QApplication::sendEvent(viewport, &event);
+    CNyrReportViewMenuPopUp::SetChoiceHook(saved);
+    return shown;
+}
 
 inline quintptr W(const CNyrReportView& view)
 {
