@@ -276,7 +276,11 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26302, "Width"},
     {26303, "Move &Up"},
     {26304, "Move &Down"},
-    {26305, "&Defaults"},
+    {26305, "De&faults"},
+    // Column headings of the columns dialog and the remembered-answers view
+    {26340, "Column"},
+    {26341, "Answer"},
+    {26342, "Message"},
     // Tool tips of small tool buttons
     {56118, "Browse"},
     {56119, "Clear"},
