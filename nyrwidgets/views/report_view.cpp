@@ -25,6 +25,31 @@ using ScreenItem = nyr::views_detail::ScreenItem;
 using RealCol = nyr::views_detail::RealCol;
 using ScreenCol = nyr::views_detail::ScreenCol;
 
+namespace {
+
+// Holds the messages back while several changes made together are told, so
+// that a change a subscriber makes meanwhile is told after all of them.
+class HeldNotifications
+{
+public:
+    explicit HeldNotifications(CNyrReportView::Private& d) : m_d(d), m_outer(!d.dispatching) { d.dispatching = true; }
+    ~HeldNotifications()
+    {
+        if (m_outer) {
+            m_d.dispatching = false;
+            m_d.DeliverPending();
+        }
+    }
+    HeldNotifications(const HeldNotifications&) = delete;
+    HeldNotifications& operator=(const HeldNotifications&) = delete;
+
+private:
+    CNyrReportView::Private& m_d;
+    bool m_outer;
+};
+
+}  // namespace
+
 // ---------------------------------------------------------------------------
 // Screen rows
 
@@ -768,6 +793,7 @@ int CNyrReportView::HideRealItems(const std::vector<unsigned int>& realItems, in
     if (d->live)
         d->RebuildScreen(true);
     if (notify && !d->suppressHide) {
+        const HeldNotifications held(*d);
         for (RealItem r : changed)
             OnHideRealItem(Ix(r), hide);
     }
@@ -997,6 +1023,7 @@ void CNyrReportView::Private::TellItemChanges(unsigned int realItem, unsigned in
     }
     // Every change of a bit is told, hidden item or not. A subscriber may
     // change the view while it is told: the screen index is looked up anew.
+    const HeldNotifications held(*this);
     const auto tell = [&](bool changed, bool suppressed, bool on, void (CNyrReportView::*hook)(unsigned int, int, int),
                           long bit, unsigned int onMessage, unsigned int offMessage) {
         if (!changed || !notify || suppressed)
@@ -1419,20 +1446,24 @@ void CNyrReportView::SendNotificationToNotifyItems(long bit, unsigned int messag
     // A change made by a subscriber while it is told of another waits until
     // every subscriber has been told of that one, so that all of them hear
     // of the changes in the order they were made.
-    if (d->dispatching)
-        return;
-    const ScopedFlag dispatching(d->dispatching);
-    for (std::size_t i = 0; i < d->pending.size(); ++i) {
-        const Private::Pending next = d->pending[i];
+    if (!d->dispatching)
+        d->DeliverPending();
+}
+
+void CNyrReportView::Private::DeliverPending()
+{
+    const ScopedFlag delivering(dispatching);
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        const Pending next = pending[i];
         // The list as it stands now: a subscriber may subscribe or
         // unsubscribe windows while it handles the message.
-        const std::vector<Private::Subscriber> subscribers = d->subscribers;
-        for (const Private::Subscriber& s : subscribers) {
+        const std::vector<Subscriber> now = subscribers;
+        for (const Subscriber& s : now) {
             if ((s.mask & next.bit) && NyrIsWindow(s.window))
-                NyrSendMessage(s.window, next.message, reinterpret_cast<quintptr>(this), next.lParam);
+                NyrSendMessage(s.window, next.message, reinterpret_cast<quintptr>(q), next.lParam);
         }
     }
-    d->pending.clear();
+    pending.clear();
 }
 
 void CNyrReportView::SetSuppressHideNotifications(bool suppress)

@@ -187,7 +187,7 @@ struct CNyrReportView::Private
         qintptr lParam;
     };
     std::vector<Pending> pending;
-    bool dispatching = false;
+    bool dispatching = false;  // messages wait in `pending` while set
     // Counts CleanupRealItems: a loop over real indexes that tells
     // subscribers stops when it changes (the indexes name other items then).
     std::uint64_t generation = 0;
@@ -264,6 +264,9 @@ struct CNyrReportView::Private
     void OnQtSelectionChanged(const QItemSelection& selected, const QItemSelection& deselected);
 
     // ---- State changes (report_view.cpp) ----
+
+    // Sends the waiting messages, and those they cause, in order.
+    void DeliverPending();
 
     // After an item operation: the screen follows each of the item's
     // selected, disabled and checked bits that differs from its value before,

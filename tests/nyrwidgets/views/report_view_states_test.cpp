@@ -216,4 +216,34 @@ TEST(ReportViewStates, ChangesMadeWhileATellingRunsReachEverySubscriberInOrder)
     EXPECT_FALSE(view.GetRealItemSelected(2));
 }
 
+TEST(ReportViewStates, ARowViewedWhileABatchOfHidingsIsToldIsToldAfterTheBatch)
+{
+    CNyrReportView view;
+    Fill(view, 4);
+    view.SetDisableRealItemsEnabled(true);
+    Subscriber meddler;
+    meddler.onMessage = [&view](const Msg& m) {
+        if (m.message == WM_NYR_REPORTVIEW_ITEM_HIDE && m.lParam == 0)
+            view.HideRealItem(2, 0);  // its own hiding is not told yet
+        if (m.message == WM_NYR_REPORTVIEW_ITEM_DESELECT && m.lParam == 3)
+            view.DisableRealItem(3, 0);  // its disabling is not told yet
+    };
+    view.AddItemNotification(&meddler, CNyrReportView::NotifyItemAll);
+    StateLedger ledger;
+    ledger.Attach(view);
+    view.HideAllItems(1);
+    EXPECT_EQ(ledger.Faults(view), std::vector<std::string>());
+    EXPECT_EQ(nyr::test::ScreenOrder(view), std::vector<int>{2});
+
+    // The same for the deselection told before the disabling of one item.
+    view.HideAllItems(0);
+    view.SelectRealItem(3, 1);
+    ledger.received.clear();
+    view.DisableRealItem(3, 1);
+    EXPECT_EQ(ledger.received, (std::vector<Msg>{{WM_NYR_REPORTVIEW_ITEM_DESELECT, W(view), 3},
+                                                 {WM_NYR_REPORTVIEW_ITEM_DISABLE, W(view), 3},
+                                                 {WM_NYR_REPORTVIEW_ITEM_ENABLE, W(view), 3}}));
+    EXPECT_EQ(ledger.Faults(view), std::vector<std::string>());
+}
+
 }  // namespace

@@ -142,12 +142,13 @@ public:
         onMessage = [this](const Message& m) { Take(m); };
     }
 
-    // Subscribes with `mask`; the view's items must all be in their first
-    // state (every bit clear) or the copy starts wrong.
+    // Subscribes with `mask` (and to the removal of all items, which starts
+    // the copy afresh); the view's items must all be in their first state
+    // (every bit clear) or the copy starts wrong.
     void Attach(CNyrReportView& view, long mask = CNyrReportView::NotifyItemAll)
     {
         m_mask = mask;
-        view.AddItemNotification(this, mask);
+        view.AddItemNotification(this, mask | CNyrReportView::NotifyItemCleanup);
     }
 
     // The faults seen so far and those the view shows now; empty when all is
