@@ -77,9 +77,6 @@ public:
         m_view.AddItemNotification(&m_meddler, CNyrReportView::NotifyItemAll);
         m_all.Attach(m_view, CNyrReportView::NotifyItemAll);
         m_some.Attach(m_view, CNyrReportView::NotifyItemSelect | CNyrReportView::NotifyItemCheck);
-        for (int i = 0; i < 12; ++i)
-            m_view.AddRealItem(NewItem());
-        m_view.DisplayRealItems();
         m_view.resize(420, 900);
         m_view.show();
     }
@@ -100,7 +97,36 @@ public:
 
 private:
     int Pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(m_random); }
-    unsigned int AnyItem() { return static_cast<unsigned int>(Pick(static_cast<int>(m_view.GetRealItemCount()) + 1)); }
+
+    // Mostly an item that is not deleted; now and then any index, one past
+    // the last included.
+    unsigned int AnyItem()
+    {
+        std::vector<unsigned int> live;
+        for (unsigned int r = 0; r < m_view.GetRealItemCount(); ++r) {
+            if (!m_view.GetRealItem(r)->IsDeleted())
+                live.push_back(r);
+        }
+        if (live.empty() || Pick(10) == 0)
+            return static_cast<unsigned int>(Pick(static_cast<int>(m_view.GetRealItemCount()) + 1));
+        return live[static_cast<std::size_t>(Pick(static_cast<int>(live.size())))];
+    }
+
+    // Deleted items never come back: when few items are left, all go and
+    // new ones come (as an application reloads its data).
+    bool Refill()
+    {
+        unsigned int live = 0;
+        for (unsigned int r = 0; r < m_view.GetRealItemCount(); ++r)
+            live += m_view.GetRealItem(r)->IsDeleted() ? 0 : 1;
+        if (live >= 6 && m_view.GetRealItemCount() < kMaxItems)
+            return false;
+        m_view.CleanupRealItems(1);
+        for (int i = 0, n = 8 + Pick(16); i < n; ++i)
+            m_view.AddRealItem(NewItem());
+        m_view.DisplayRealItems(1);
+        return true;
+    }
 
     CNyrReportViewItem* NewItem()
     {
@@ -160,6 +186,8 @@ private:
     std::string Step()
     {
         CNyrReportView& v = m_view;
+        if (Refill())
+            return "refill";
         // Drawn first and in this order, so a seed means the same run
         // whatever order a compiler evaluates arguments in.
         const int what = Pick(24);
@@ -197,10 +225,7 @@ private:
         case 19: RightClickAnything(); return "right-click";
         case 20: v.DisplayRealItems(on); return "display";
         case 21: v.DeleteDisabledItems(); return "delete disabled";
-        case 22:
-            if (r == 0 && other == 0)
-                v.CleanupRealItems(1);
-            return "cleanup";
+        case 22: v.InvertSelection(); return "invert selection";
         default:
             // Added to the model only; it shows with the next rebuild.
             if (v.GetRealItemCount() < kMaxItems)
