@@ -8,6 +8,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/views/stored_layout_p.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
@@ -557,13 +558,17 @@ void CNyrReportView::DisplayRealCols()
         }
     }
     // Display order: by the columns' order fields, ties in real order.
-    std::vector<RealCol> byOrder = visible;
-    std::stable_sort(byOrder.begin(), byOrder.end(),
-                     [this](RealCol a, RealCol b) { return d->Col(a)->GetOrder() < d->Col(b)->GetOrder(); });
+    std::vector<int> order;
+    std::vector<bool> shown;
+    for (const auto& col : d->cols) {
+        order.push_back(col->GetOrder());
+        shown.push_back(col->IsVisible());
+    }
+    const std::vector<unsigned int> byOrder = nyr::detail::DisplayOrder(order, shown);
     // The order fields are the source here: no end-of-drag reading back.
     d->applyingColumns = true;
     for (std::size_t v = 0; v < byOrder.size(); ++v) {
-        const int logical = IxInt(d->realToScreenCol[Ix(byOrder[v])]);
+        const int logical = IxInt(d->realToScreenCol[byOrder[v]]);
         header->moveSection(header->visualIndex(logical), static_cast<int>(v));
     }
     d->applyingColumns = false;
