@@ -518,9 +518,10 @@ protected:
     // "&Modify..." on an item; the default does nothing.
     virtual void OnModifyRealItem(unsigned int realItem);
 
-    // The state changes behind the public operations: work out notify from
-    // the switch, change the item (its hook runs), redraw, then (when
-    // notifying and the state did change) the view's hook and the message.
+    // The state changes behind the public operations: change the item (its
+    // hook runs), redraw, then for each bit that changed (and with notify,
+    // unless that kind's suppress switch is on) the view's hook and the
+    // message. `screenItem` is not trusted: the row is looked up again.
     void OnSelectRealItemInternal(unsigned int realItem, int screenItem, int select, CNyrReportViewItem* item,
                                   int notify);
     void OnCheckRealItemInternal(unsigned int realItem, int screenItem, int check, CNyrReportViewItem* item,
@@ -528,7 +529,8 @@ protected:
     void OnDisableRealItemInternal(unsigned int realItem, int screenItem, int disable, CNyrReportViewItem* item,
                                    int notify);
     // Sends the message to each subscriber whose mask has `bit` and whose
-    // window still exists, in the order of subscription.
+    // window still exists, in the order of subscription; while another
+    // message is being sent, after it (see the class comment).
     void SendNotificationToNotifyItems(long bit, unsigned int message, qintptr lParam);
     // The layout the view restores under AutoRestore; called once, before the
     // items first show: the stored column widths and visibility and column

@@ -144,6 +144,12 @@ TEST_F(Commands, RightClickMenusRunWhatTheUserChooses)
              CNyrListViewFind::StaticSearchCrit().searchString = "name3";
          },
          Command(WM_NYR_REPORTVIEW_FIND_NEXT), {}, [](ModifyView& v) { EXPECT_EQ(Selected(v), Reals{3}); }},
+        {"find next without a text: disabled, chooses nothing", kRow2, false,
+         [](ModifyView& v) {
+             CNyrListViewFind::StaticSearchCrit().searchString.clear();
+             v.SelectRealItem(1, 1);
+         },
+         Command(WM_NYR_REPORTVIEW_FIND_NEXT), {}, [](ModifyView& v) { EXPECT_EQ(Selected(v), Reals{1}); }},
         {"save as", kRow2, false, {}, Command(WM_NYR_REPORTVIEW_SAVE_AS),
          [this](QDialog& d) {
              auto& dialog = dynamic_cast<CNyrListViewSaveAsDlgCV&>(d);
@@ -193,35 +199,6 @@ TEST_F(Commands, RightClickMenusRunWhatTheUserChooses)
         if (c.check)
             c.check(view);
     }
-}
-
-TEST_F(Commands, EachMenuOffersWhatItsStyleAsks)
-{
-    ModifyView view;
-    Show(view);
-    // The plain item menu has neither modify nor delete; the Shift one both.
-    const auto entries = [&view](QWidget* target, QPoint at, bool shift) {
-        std::vector<unsigned int> commands;
-        RightClick(target, at, shift, [&commands](CNyrReportViewMenuPopUp& menu) -> QAction* {
-            for (unsigned int m : {WM_NYR_REPORTVIEW_MODIFY, WM_NYR_REPORTVIEW_DELETE_SELECTED,
-                                   WM_NYR_REPORTVIEW_SELECT_ALL, WM_NYR_REPORTVIEW_AUTO_ARRANGE})
-                if (menu.FindCommand(m))
-                    commands.push_back(m);
-            return nullptr;
-        });
-        return commands;
-    };
-    EXPECT_EQ(entries(view.viewport(), RowPoint(view, 1), false), std::vector<unsigned int>{WM_NYR_REPORTVIEW_SELECT_ALL});
-    EXPECT_EQ(entries(view.viewport(), RowPoint(view, 1), true),
-              (std::vector<unsigned int>{WM_NYR_REPORTVIEW_MODIFY, WM_NYR_REPORTVIEW_DELETE_SELECTED,
-                                         WM_NYR_REPORTVIEW_SELECT_ALL}));
-    EXPECT_EQ(entries(view.horizontalHeader()->viewport(), HeaderPoint(view, 0), false),
-              std::vector<unsigned int>{WM_NYR_REPORTVIEW_AUTO_ARRANGE});
-    // A disabled entry chooses nothing (Find Next without a search text).
-    CNyrListViewFind::StaticSearchCrit().searchString.clear();
-    view.SelectRealItem(1, 1);
-    RightClick(view.viewport(), RowPoint(view, 1), false, Command(WM_NYR_REPORTVIEW_FIND_NEXT));
-    EXPECT_EQ(Selected(view), Reals{1});
 }
 
 TEST_F(Commands, DeleteKeyDeletesTheSelectionWithTheDefaultStyles)
@@ -380,22 +357,6 @@ TEST_F(Commands, GlobalMenusAndClassDefaultsReachNewViews)
     CNyrReportView::SetHeaderMenuDefault(header, header);
     CNyrReportView::SetItemMenuDefault(item[0], item[1]);
     CNyrReportView::SetItemBkMenuDefault(background, background);
-
-    // The other class-wide defaults: taken by new views only.
-    CNyrReportView::SetColumnsDlgStyleDefault(CNyrReportView::ColumnsDlgWidth);
-    CNyrReportView::SetAutoRestoreDefault(0);
-    CNyrReportView::SetSerializeSortStateDefault(1);
-    CNyrReportView::SerializeColOrderDefault(1);
-    CNyrReportView later;
-    EXPECT_EQ(later.GetColumnsDlgStyle(), unsigned(CNyrReportView::ColumnsDlgWidth));
-    EXPECT_EQ(later.GetAutoRestore(), 0);
-    EXPECT_EQ(later.GetSerializeSortState(), 1);
-    EXPECT_EQ(later.GetSerializeColOrder(), 1);
-    EXPECT_EQ(before.GetColumnsDlgStyle(), unsigned(CNyrReportView::ColumnsDlgAll));
-    CNyrReportView::SetColumnsDlgStyleDefault(CNyrReportView::ColumnsDlgAll);
-    CNyrReportView::SetAutoRestoreDefault(1);
-    CNyrReportView::SetSerializeSortStateDefault(0);
-    CNyrReportView::SerializeColOrderDefault(0);
 }
 
 TEST_F(Commands, ADialogLeftOpenByTheAnswerIsRejectedAndOneThatNeverOpensIsNoticed)
