@@ -20,6 +20,7 @@ using nyr::views_detail::Ix;
 using nyr::views_detail::IxInt;
 using nyr::views_detail::kOffScreenCol;
 using nyr::views_detail::kOffScreenItem;
+using nyr::views_detail::OutermostScope;
 using nyr::views_detail::ScopedFlag;
 using RealItem = nyr::views_detail::RealItem;
 using ScreenItem = nyr::views_detail::ScreenItem;
@@ -30,23 +31,12 @@ namespace {
 
 // Holds the messages back while several changes made together are told, so
 // that a change a subscriber makes meanwhile is told after all of them.
-class HeldNotifications
+class HeldNotifications : public OutermostScope
 {
 public:
-    explicit HeldNotifications(CNyrReportView::Private& d) : m_d(d), m_outer(!d.dispatching) { d.dispatching = true; }
-    ~HeldNotifications()
+    explicit HeldNotifications(CNyrReportView::Private& d) : OutermostScope(d.dispatching, [&d] { d.DeliverPending(); })
     {
-        if (m_outer) {
-            m_d.dispatching = false;
-            m_d.DeliverPending();
-        }
     }
-    HeldNotifications(const HeldNotifications&) = delete;
-    HeldNotifications& operator=(const HeldNotifications&) = delete;
-
-private:
-    CNyrReportView::Private& m_d;
-    bool m_outer;
 };
 
 }  // namespace
@@ -872,26 +862,13 @@ namespace {
 
 // Lets a batch of selection changes rebuild Qt's selection once at the end
 // instead of row by row. Batches nest; the outermost one rebuilds.
-class SelectionBatch
+class SelectionBatch : public OutermostScope
 {
 public:
-    explicit SelectionBatch(CNyrReportView::Private& d) : m_d(d), m_outer(!d.batchSelection)
+    explicit SelectionBatch(CNyrReportView::Private& d)
+        : OutermostScope(d.batchSelection, [&d] { d.ResyncQtSelection(); })
     {
-        m_d.batchSelection = true;
     }
-    ~SelectionBatch()
-    {
-        if (m_outer) {
-            m_d.batchSelection = false;
-            m_d.ResyncQtSelection();
-        }
-    }
-    SelectionBatch(const SelectionBatch&) = delete;
-    SelectionBatch& operator=(const SelectionBatch&) = delete;
-
-private:
-    CNyrReportView::Private& m_d;
-    bool m_outer;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QStyledItemDelegate>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -101,6 +102,33 @@ public:
 private:
     bool& m_flag;
     bool m_saved;
+};
+
+// Sets a flag while the outermost of nested scopes lives and, as that one
+// ends, clears it and runs `atEnd`: for work that a batch of changes does
+// once, at its end.
+class OutermostScope
+{
+public:
+    OutermostScope(bool& flag, std::function<void()> atEnd)
+        : m_flag(flag), m_atEnd(std::move(atEnd)), m_outer(!flag)
+    {
+        m_flag = true;
+    }
+    ~OutermostScope()
+    {
+        if (m_outer) {
+            m_flag = false;
+            m_atEnd();
+        }
+    }
+    OutermostScope(const OutermostScope&) = delete;
+    OutermostScope& operator=(const OutermostScope&) = delete;
+
+private:
+    bool& m_flag;
+    std::function<void()> m_atEnd;
+    bool m_outer;
 };
 
 }  // namespace nyr::views_detail
