@@ -277,6 +277,7 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26303, "Move &Up"},
     {26304, "Move &Down"},
     {26305, "&Defaults"},
+    {26305, "De&faults"},
     // Mail: addresses refused before sending
     {26320, "The mail address is not valid."},
     // Leap-second lists
@@ -288,6 +289,10 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26335, "The leap-second list %s holds no leap seconds."},
     {26336, "The leap-second table cannot be written to the settings file %s: %s"},
     {26337, "The leap-second table cannot be written to the settings file %s."},
+    // Column headings of the columns dialog and the remembered-answers view
+    {26340, "Column"},
+    {26341, "Answer"},
+    {26342, "Message"},
     // Input fields: what each typed field is for, told to assistive technology
     {26360, "Integer number"},
     {26361, "Number"},

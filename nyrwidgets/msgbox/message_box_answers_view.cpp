@@ -16,6 +16,8 @@ constexpr int kKeyRole = Qt::UserRole + 1;  // the item's key level, UTF-8
 constexpr unsigned kNoneText = 26111;
 constexpr unsigned kTitleText = 26116;
 constexpr unsigned kDoNotPromptText = 26115;
+constexpr unsigned kAnswerHeading = 26341;
+constexpr unsigned kMessageHeading = 26342;
 
 enum Column { kKeyColumn, kAnswerColumn, kTextColumn, kColumns };
 
@@ -28,6 +30,12 @@ QString AnswerCaption(int result)
 {
     const unsigned id = nyr::msgbox::CaptionId(result);
     return id ? Q(NyrLoadString(id)).remove(QLatin1Char('&')) : Q(NyrLoadString(kNoneText));
+}
+
+// A heading the host set, or the library's own text when it set none.
+QString Heading(const std::string& text, unsigned fallback)
+{
+    return Q(text.empty() ? NyrLoadString(fallback) : text);
 }
 
 QString ShownText(const CNyrMessageBox::PERSISTENT_MSG& msg)
@@ -100,9 +108,9 @@ CNyrMessageBoxAnswersView::CNyrMessageBoxAnswersView(QWidget* parent, const std:
 
     d->tree = new QTreeWidget(this);
     d->tree->setColumnCount(kColumns);
-    const std::string keyHeading = CNyrMessageBox::GetSub1Text();
-    d->tree->setHeaderLabels({Q(keyHeading.empty() ? NyrLoadString(kTitleText) : keyHeading),
-                              Q(CNyrMessageBox::GetSub2Text()), Q(CNyrMessageBox::GetSub3Text())});
+    d->tree->setHeaderLabels({Heading(CNyrMessageBox::GetSub1Text(), kTitleText),
+                              Heading(CNyrMessageBox::GetSub2Text(), kAnswerHeading),
+                              Heading(CNyrMessageBox::GetSub3Text(), kMessageHeading)});
     d->tree->header()->setSectionResizeMode(kKeyColumn, QHeaderView::ResizeToContents);
     d->tree->header()->setSectionResizeMode(kAnswerColumn, QHeaderView::ResizeToContents);
     auto* layout = new QVBoxLayout(this);

@@ -26,7 +26,8 @@ class QTreeWidget;
 //
 // Texts: the window title is "Remembered Answers". The headings come from
 // CNyrMessageBox::GetSub1Text() (key column; "Remembered Answers" when
-// empty), GetSub2Text() (answer column) and GetSub3Text() (text column), the
+// empty), GetSub2Text() (answer column; "Answer" when empty) and
+// GetSub3Text() (text column; "Message" when empty), the
 // label of the item for all messages from GetSub4Text() (else the
 // application's name, else "Remembered Answers"); read when the tree is built.
 class NYR_EXPORT CNyrMessageBoxAnswersView : public QWidget

@@ -86,6 +86,43 @@ QString FromUtf8(const char* text)
     return text ? QString::fromUtf8(text) : QString();
 }
 
+// The caption with its mnemonic on a letter no earlier button of the row
+// took: its own letter when that is free, else the first free letter that
+// starts a word, else any free letter, else none. Some sets with extended
+// buttons would give two buttons one letter ("No &to all" beside "&Try
+// again"). `used` collects the letters taken, in lower case. Captions
+// without a mnemonic are left as they are.
+QString FreeMnemonic(const QString& caption, QString& used)
+{
+    QString plain;
+    qsizetype marked = -1;
+    for (qsizetype i = 0; i < caption.size(); ++i) {
+        if (caption[i] == QLatin1Char('&') && i + 1 < caption.size() && caption[i + 1] != QLatin1Char('&')) {
+            marked = plain.size();
+            continue;
+        }
+        plain += caption[i];
+        if (caption[i] == QLatin1Char('&'))
+            plain += caption[++i];  // "&&", a literal ampersand
+    }
+    const auto freeAt = [&](qsizetype i) { return plain[i].isLetterOrNumber() && !used.contains(plain[i].toLower()); };
+    const auto take = [&](qsizetype i) {
+        used += plain[i].toLower();
+        return plain.left(i) + QLatin1Char('&') + plain.mid(i);
+    };
+    if (marked < 0)
+        return caption;
+    if (marked < plain.size() && freeAt(marked))
+        return take(marked);
+    for (const bool wordStart : {true, false}) {
+        for (qsizetype i = 0; i < plain.size(); ++i) {
+            if (freeAt(i) && (!wordStart || i == 0 || plain[i - 1].isSpace()))
+                return take(i);
+        }
+    }
+    return plain;
+}
+
 CNyrMessageBoxDialog::AnswerHook& Hook()
 {
     static CNyrMessageBoxDialog::AnswerHook hook;
@@ -172,6 +209,7 @@ CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, co
     row->addStretch();
     top->addLayout(row);
     int width = 0;
+    QString mnemonics;
     for (const ButtonKind& kind : kOrder) {
         if (!(kinds & kind.kind))
             continue;
@@ -180,7 +218,7 @@ CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, co
             captionId = kSkipCaption;
         else if (kind.kind == kIgnoreAll && (style & NYR_MB_SKIPALL))
             captionId = kSkipAllCaption;
-        auto* button = new QPushButton(QString::fromStdString(NyrLoadString(captionId)), this);
+        auto* button = new QPushButton(FreeMnemonic(QString::fromStdString(NyrLoadString(captionId)), mnemonics), this);
         const int result = kind.result;
         connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
         row->addWidget(button);

@@ -4,6 +4,7 @@
 #include <QPainterPath>
 #include <QStyle>
 #include <QStyleOptionHeader>
+#include <algorithm>
 
 struct CNyrHeaderCtrlSort::Private
 {
@@ -12,8 +13,13 @@ struct CNyrHeaderCtrlSort::Private
 
 namespace {
 
-constexpr int kMarkWidth = 9;    // pixels of the arrow
-constexpr int kMarkMargin = 4;   // pixels between the arrow, the rank and the section edge
+// Pixels, right to left from the section edge: margin, arrow, rank gap, the
+// rank, label gap, the label. The rank sits close to its arrow and well clear
+// of the label, so that "Northing [m]" and rank 2 do not read "Northing [m]2".
+constexpr int kMarkMargin = 4;
+constexpr int kMarkWidth = 9;
+constexpr int kRankGap = 2;
+constexpr int kLabelGap = 8;
 
 }  // namespace
 
@@ -57,7 +63,7 @@ void CNyrHeaderCtrlSort::UpdateCurrentSortedColumns()
 QSize CNyrHeaderCtrlSort::sectionSizeFromContents(int logicalIndex) const
 {
     QSize size = QHeaderView::sectionSizeFromContents(logicalIndex);
-    size.rwidth() += kMarkWidth + 2 * kMarkMargin + fontMetrics().horizontalAdvance(QLatin1Char('3'));
+    size.rwidth() += kMarkMargin + kMarkWidth + kRankGap + fontMetrics().horizontalAdvance(QLatin1Char('3')) + kLabelGap;
     return size;
 }
 
@@ -70,11 +76,13 @@ void CNyrHeaderCtrlSort::paintSection(QPainter* painter, const QRect& rect, int 
         QHeaderView::paintSection(painter, rect, logicalIndex);
         return;
     }
-    // The section as usual, its label narrowed so that the mark does not
-    // cover it.
+    // The section as usual, its label narrowed so that it ends a label gap
+    // before the rank (or the arrow).
     const bool showRank = d->columns.size() > 1;
     const QString rankText = showRank ? QString::number(rank + 1) : QString();
-    const int markSpace = kMarkWidth + 2 * kMarkMargin + (showRank ? fontMetrics().horizontalAdvance(rankText) : 0);
+    const int arrowLeft = rect.right() + 1 - kMarkMargin - kMarkWidth;
+    const int rankWidth = showRank ? fontMetrics().horizontalAdvance(rankText) : 0;
+    const int rankLeft = showRank ? arrowLeft - kRankGap - rankWidth : arrowLeft;
     QStyleOptionHeader opt;
     initStyleOption(&opt);
     initStyleOptionForIndex(&opt, logicalIndex);
@@ -83,21 +91,20 @@ void CNyrHeaderCtrlSort::paintSection(QPainter* painter, const QRect& rect, int 
     style()->drawControl(QStyle::CE_HeaderSection, &opt, painter, this);
     QStyleOptionHeader label = opt;
     label.rect = style()->subElementRect(QStyle::SE_HeaderLabel, &opt, this);
-    label.rect.setRight(label.rect.right() - markSpace);
+    label.rect.setRight(std::min(label.rect.right(), rankLeft - kLabelGap - 1));
     if (label.rect.width() > 0)
         style()->drawControl(QStyle::CE_HeaderLabel, &label, painter, this);
     painter->restore();
-    if (rect.width() < markSpace + kMarkMargin)
+    if (rankLeft < rect.left() + kMarkMargin)
         return;
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     const QColor color = palette().color(QPalette::ButtonText);
-    const int right = rect.right() - kMarkMargin;
     const int cy = rect.center().y();
     const int half = kMarkWidth / 2;
     QPainterPath arrow;
-    const int ax = right - kMarkWidth;
+    const int ax = arrowLeft;
     if (d->columns[rank].ascending) {
         arrow.moveTo(ax, cy + half / 2 + 1);
         arrow.lineTo(ax + kMarkWidth, cy + half / 2 + 1);
@@ -111,8 +118,7 @@ void CNyrHeaderCtrlSort::paintSection(QPainter* painter, const QRect& rect, int 
     painter->fillPath(arrow, color);
     if (showRank) {
         painter->setPen(color);
-        const int w = fontMetrics().horizontalAdvance(rankText);
-        painter->drawText(QRect(ax - kMarkMargin - w, rect.top(), w, rect.height()), Qt::AlignCenter, rankText);
+        painter->drawText(QRect(rankLeft, rect.top(), rankWidth, rect.height()), Qt::AlignCenter, rankText);
     }
     painter->restore();
 }

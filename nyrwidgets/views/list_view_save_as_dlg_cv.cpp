@@ -26,6 +26,7 @@
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
 #include "nyr/util/profile_entries.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/list_view.h"
 
@@ -310,7 +311,7 @@ void CNyrListViewSaveAsDlgCV::Browse()
     if (type < filters.size())
         dialog.selectNameFilter(filters[type]);
     dialog.setDefaultSuffix(d->Extension(d->fileType->currentData().toInt()).mid(1));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    if (NyrExecDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return;
     d->fileName->setText(dialog.selectedFiles().front());
     const int chosen = static_cast<int>(filters.indexOf(dialog.selectedNameFilter()));
@@ -321,7 +322,7 @@ void CNyrListViewSaveAsDlgCV::Browse()
 int CNyrListViewSaveAsDlgCV::Run(const std::string& section)
 {
     LoadCustomProperties(section);
-    if (exec() != QDialog::Accepted)
+    if (NyrExecDialog(*this) != QDialog::Accepted)
         return 0;
     StoreCustomProperties(section);
     return 1;

@@ -8,6 +8,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/views/stored_layout_p.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
@@ -20,10 +21,26 @@ using nyr::views_detail::Ix;
 using nyr::views_detail::IxInt;
 using nyr::views_detail::kOffScreenCol;
 using nyr::views_detail::kOffScreenItem;
+using nyr::views_detail::OutermostScope;
+using nyr::views_detail::ScopedFlag;
 using RealItem = nyr::views_detail::RealItem;
 using ScreenItem = nyr::views_detail::ScreenItem;
 using RealCol = nyr::views_detail::RealCol;
 using ScreenCol = nyr::views_detail::ScreenCol;
+
+namespace {
+
+// Holds the messages back while several changes made together are told, so
+// that a change a subscriber makes meanwhile is told after all of them.
+class HeldNotifications : public OutermostScope
+{
+public:
+    explicit HeldNotifications(CNyrReportView::Private& d) : OutermostScope(d.dispatching, [&d] { d.DeliverPending(); })
+    {
+    }
+};
+
+}  // namespace
 
 // ---------------------------------------------------------------------------
 // Screen rows
@@ -32,11 +49,12 @@ template <class F>
 void CNyrReportView::Private::ResetRows(bool keepPosition, F change)
 {
     const int focused = q->GetFocusedRealItem();
-    syncingSelection = true;
-    model->beginResetModel();
-    change();
-    model->endResetModel();
-    syncingSelection = false;
+    {
+        const ScopedFlag syncing(syncingSelection);
+        model->beginResetModel();
+        change();
+        model->endResetModel();
+    }
     ResyncQtSelection();
     if (focused >= 0 && OnScreen(static_cast<RealItem>(focused))) {
         q->FocusRealItem(static_cast<unsigned int>(focused));
@@ -110,12 +128,13 @@ void CNyrReportView::Private::ResortScreen()
 void CNyrReportView::Private::InsertRowOnScreen(RealItem r)
 {
     const int pos = q->GetInsertPos(Ix(r));
-    syncingSelection = true;
-    model->beginInsertRows({}, pos, pos);
-    screenToRealItem.insert(screenToRealItem.begin() + pos, r);
-    RenumberRows(static_cast<std::size_t>(pos));
-    model->endInsertRows();
-    syncingSelection = false;
+    {
+        const ScopedFlag syncing(syncingSelection);
+        model->beginInsertRows({}, pos, pos);
+        screenToRealItem.insert(screenToRealItem.begin() + pos, r);
+        RenumberRows(static_cast<std::size_t>(pos));
+        model->endInsertRows();
+    }
     if (Item(r)->IsSelected())
         MirrorRowSelection(static_cast<ScreenItem>(pos), true);
 }
@@ -125,24 +144,30 @@ void CNyrReportView::Private::RemoveRowFromScreen(RealItem r)
     const ScreenItem s = ScreenOf(r);
     if (s == kOffScreenItem)
         return;
-    syncingSelection = true;
+    const ScopedFlag syncing(syncingSelection);
     model->beginRemoveRows({}, IxInt(s), IxInt(s));
     screenToRealItem.erase(screenToRealItem.begin() + Ix(s));
     realToScreenItem[Ix(r)] = kOffScreenItem;
     RenumberRows(Ix(s));
     model->endRemoveRows();
-    syncingSelection = false;
 }
 
 void CNyrReportView::Private::MirrorRowSelection(ScreenItem s, bool selected)
 {
-    if (batchSelection || syncingSelection || screenToRealCol.empty())
+    // A batch rebuilds Qt's selection once at its end.
+    if (batchSelection || screenToRealCol.empty())
         return;
     const int row = IxInt(s);
+    if (syncingSelection) {
+        // Inside a change of Qt's own (the user's selection being taken, a
+        // subscriber acting on it): noted, and mended when that ends.
+        if (q->selectionModel()->isSelected(model->index(row, 0)) != selected)
+            qtSelectionStale = true;
+        return;
+    }
     const QItemSelection range(model->index(row, 0), model->index(row, static_cast<int>(screenToRealCol.size()) - 1));
-    syncingSelection = true;
+    const ScopedFlag syncing(syncingSelection);
     q->selectionModel()->select(range, selected ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
-    syncingSelection = false;
 }
 
 void CNyrReportView::Private::ResyncQtSelection()
@@ -164,11 +189,48 @@ void CNyrReportView::Private::ResyncQtSelection()
             }
         }
     }
-    syncingSelection = true;
+    const ScopedFlag syncing(syncingSelection);
+    qtSelectionStale = false;
     q->selectionModel()->clearSelection();
     if (!selection.isEmpty())
         q->selectionModel()->select(selection, QItemSelectionModel::Select);
-    syncingSelection = false;
+}
+
+void CNyrReportView::Private::OnQtSelectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    if (syncingSelection)
+        return;
+    // Qt's rows become real items before anyone is told: a subscriber may
+    // hide, show or re-sort rows while it handles a message, and the same
+    // screen row then holds another item. Deselections first, so that a
+    // click that moves the selection reports the old item before the new.
+    std::vector<std::pair<RealItem, int>> changes;
+    const int rows = static_cast<int>(screenToRealItem.size());
+    for (const auto* ranges : {&deselected, &selected}) {
+        const int select = ranges == &selected ? 1 : 0;
+        for (const QItemSelectionRange& range : *ranges) {
+            for (int s = std::max(range.top(), 0); s <= range.bottom() && s < rows; ++s) {
+                // Qt may report a row as selected that cannot be (a disabled
+                // row inside a shift range): what it shows decides.
+                if (q->selectionModel()->isSelected(model->index(s, 0)) == (select != 0))
+                    changes.emplace_back(RealOf(static_cast<ScreenItem>(s)), select);
+            }
+        }
+    }
+    {
+        const ScopedFlag syncing(syncingSelection);
+        const std::uint64_t before = generation;
+        for (const auto& [r, select] : changes) {
+            // Stop when a subscriber removed all items; an item it took off
+            // the screen meanwhile is no longer the user's to select.
+            if (generation != before)
+                break;
+            if (OnScreen(r))
+                q->SelectRealItem(Ix(r), select, 1);
+        }
+    }
+    if (qtSelectionStale)
+        ResyncQtSelection();
 }
 
 // ---------------------------------------------------------------------------
@@ -182,29 +244,9 @@ CNyrReportView::CNyrReportView(QWidget* parent) : CNyrListView(parent, nullptr),
     setModel(d->model);
     setItemDelegate(new CNyrReportViewDelegate(this));
 
-    // The user's selection onto the items: deselections first, so that a
-    // click that moves the selection reports the old item before the new.
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this](const QItemSelection& selected, const QItemSelection& deselected) {
-                if (d->syncingSelection)
-                    return;
-                d->syncingSelection = true;
-                const int rows = static_cast<int>(d->screenToRealItem.size());
-                for (const auto* ranges : {&deselected, &selected}) {
-                    const int select = ranges == &selected ? 1 : 0;
-                    for (const QItemSelectionRange& range : *ranges) {
-                        for (int s = std::max(range.top(), 0); s <= range.bottom() && s < rows; ++s) {
-                            // Qt may report a row as selected that cannot be
-                            // (a disabled row inside a shift range): the item
-                            // decides.
-                            if (selectionModel()->isSelected(d->model->index(s, 0)) != (select != 0))
-                                continue;
-                            const RealItem r = d->RealOf(static_cast<ScreenItem>(s));
-                            OnSelectRealItemInternal(Ix(r), s, select, d->Item(r), 1);
-                        }
-                    }
-                }
-                d->syncingSelection = false;
+                d->OnQtSelectionChanged(selected, deselected);
             });
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int screenCol, int, int width) {
         if (screenCol >= 0 && static_cast<std::size_t>(screenCol) < d->screenToRealCol.size())
@@ -488,33 +530,38 @@ void CNyrReportView::EnsureRealColVisible(unsigned int realCol)
 void CNyrReportView::DisplayRealCols()
 {
     QHeaderView* header = horizontalHeader();
-    d->syncingSelection = true;
-    if (!d->screenToRealCol.empty()) {
-        d->model->beginRemoveColumns({}, 0, static_cast<int>(d->screenToRealCol.size()) - 1);
-        d->screenToRealCol.clear();
-        d->RenumberCols();
-        d->model->endRemoveColumns();
-    }
     std::vector<RealCol> visible;
     for (std::size_t c = 0; c < d->cols.size(); ++c) {
         if (d->cols[c]->IsVisible())
             visible.push_back(static_cast<RealCol>(c));
     }
-    if (!visible.empty()) {
-        d->model->beginInsertColumns({}, 0, static_cast<int>(visible.size()) - 1);
-        d->screenToRealCol = visible;
-        d->RenumberCols();
-        d->model->endInsertColumns();
+    {
+        const ScopedFlag syncing(d->syncingSelection);
+        if (!d->screenToRealCol.empty()) {
+            d->model->beginRemoveColumns({}, 0, static_cast<int>(d->screenToRealCol.size()) - 1);
+            d->screenToRealCol.clear();
+            d->RenumberCols();
+            d->model->endRemoveColumns();
+        }
+        if (!visible.empty()) {
+            d->model->beginInsertColumns({}, 0, static_cast<int>(visible.size()) - 1);
+            d->screenToRealCol = visible;
+            d->RenumberCols();
+            d->model->endInsertColumns();
+        }
     }
-    d->syncingSelection = false;
     // Display order: by the columns' order fields, ties in real order.
-    std::vector<RealCol> byOrder = visible;
-    std::stable_sort(byOrder.begin(), byOrder.end(),
-                     [this](RealCol a, RealCol b) { return d->Col(a)->GetOrder() < d->Col(b)->GetOrder(); });
+    std::vector<int> order;
+    std::vector<bool> shown;
+    for (const auto& col : d->cols) {
+        order.push_back(col->GetOrder());
+        shown.push_back(col->IsVisible());
+    }
+    const std::vector<unsigned int> byOrder = nyr::detail::DisplayOrder(order, shown);
     // The order fields are the source here: no end-of-drag reading back.
     d->applyingColumns = true;
     for (std::size_t v = 0; v < byOrder.size(); ++v) {
-        const int logical = IxInt(d->realToScreenCol[Ix(byOrder[v])]);
+        const int logical = IxInt(d->realToScreenCol[byOrder[v]]);
         header->moveSection(header->visualIndex(logical), static_cast<int>(v));
     }
     d->applyingColumns = false;
@@ -536,11 +583,10 @@ void CNyrReportView::AutoArrangeColumns()
 void CNyrReportView::CleanupRealCols()
 {
     if (!d->screenToRealCol.empty()) {
-        d->syncingSelection = true;
+        const ScopedFlag syncing(d->syncingSelection);
         d->model->beginRemoveColumns({}, 0, static_cast<int>(d->screenToRealCol.size()) - 1);
         d->screenToRealCol.clear();
         d->model->endRemoveColumns();
-        d->syncingSelection = false;
     }
     d->cols.clear();
     d->RenumberCols();
@@ -745,6 +791,7 @@ int CNyrReportView::HideRealItems(const std::vector<unsigned int>& realItems, in
     if (d->live)
         d->RebuildScreen(true);
     if (notify && !d->suppressHide) {
+        const HeldNotifications held(*d);
         for (RealItem r : changed)
             OnHideRealItem(Ix(r), hide);
     }
@@ -769,8 +816,7 @@ void CNyrReportView::CheckRealItem(unsigned int realItem, int check, int notify)
 
 void CNyrReportView::CheckRealItems(const std::vector<unsigned int>& realItems, int check, int notify)
 {
-    for (unsigned int realItem : realItems)
-        CheckRealItem(realItem, check, notify);
+    d->ForEachItem(realItems, [&](unsigned int r) { CheckRealItem(r, check, notify); });
 }
 
 void CNyrReportView::CheckSelectedItems(int check, int notify)
@@ -780,45 +826,52 @@ void CNyrReportView::CheckSelectedItems(int check, int notify)
     CheckRealItems(realItems, check, notify);
 }
 
+template <class F>
+void CNyrReportView::Private::ForEachItem(const std::vector<unsigned int>& realItems, F f)
+{
+    const std::uint64_t before = generation;
+    for (unsigned int r : realItems) {
+        if (generation != before)
+            return;
+        f(r);
+    }
+}
+
+template <class F>
+void CNyrReportView::Private::ForEachVisibleItem(F f)
+{
+    std::vector<unsigned int> visible;
+    for (std::size_t r = 0; r < items.size(); ++r) {
+        if (items[r]->IsVisible())
+            visible.push_back(static_cast<unsigned int>(r));
+    }
+    ForEachItem(visible, [&](unsigned int r) {
+        if (items[r]->IsVisible())
+            f(r);
+    });
+}
+
 void CNyrReportView::CheckAllItems(int check, int notify)
 {
-    for (std::size_t r = 0; r < d->items.size(); ++r)
-        CheckRealItem(static_cast<unsigned int>(r), check, notify);
+    d->ForEachVisibleItem([&](unsigned int r) { CheckRealItem(r, check, notify); });
 }
 
 void CNyrReportView::InvertChecked(int notify)
 {
-    for (std::size_t r = 0; r < d->items.size(); ++r) {
-        const CNyrReportViewItem* item = d->items[r];
-        if (item->IsVisible())
-            CheckRealItem(static_cast<unsigned int>(r), !item->IsChecked(), notify);
-    }
+    d->ForEachVisibleItem([&](unsigned int r) { CheckRealItem(r, !d->items[r]->IsChecked(), notify); });
 }
 
 namespace {
 
 // Lets a batch of selection changes rebuild Qt's selection once at the end
 // instead of row by row. Batches nest; the outermost one rebuilds.
-class SelectionBatch
+class SelectionBatch : public OutermostScope
 {
 public:
-    explicit SelectionBatch(CNyrReportView::Private& d) : m_d(d), m_outer(!d.batchSelection)
+    explicit SelectionBatch(CNyrReportView::Private& d)
+        : OutermostScope(d.batchSelection, [&d] { d.ResyncQtSelection(); })
     {
-        m_d.batchSelection = true;
     }
-    ~SelectionBatch()
-    {
-        if (m_outer) {
-            m_d.batchSelection = false;
-            m_d.ResyncQtSelection();
-        }
-    }
-    SelectionBatch(const SelectionBatch&) = delete;
-    SelectionBatch& operator=(const SelectionBatch&) = delete;
-
-private:
-    CNyrReportView::Private& m_d;
-    bool m_outer;
 };
 
 }  // namespace
@@ -834,35 +887,30 @@ void CNyrReportView::SelectRealItem(unsigned int realItem, int select, int notif
 void CNyrReportView::SelectRealItems(const std::vector<unsigned int>& realItems, int select, int notify)
 {
     const SelectionBatch batch(*d);
-    for (unsigned int realItem : realItems)
-        SelectRealItem(realItem, select, notify);
+    d->ForEachItem(realItems, [&](unsigned int r) { SelectRealItem(r, select, notify); });
 }
 
 void CNyrReportView::SelectAllItems(int select, int notify)
 {
     const SelectionBatch batch(*d);
-    for (std::size_t r = 0; r < d->items.size(); ++r)
-        SelectRealItem(static_cast<unsigned int>(r), select, notify);
+    d->ForEachVisibleItem([&](unsigned int r) { SelectRealItem(r, select, notify); });
+}
+
+void CNyrReportView::selectAll()
+{
+    SelectAllItems(1, 1);
 }
 
 void CNyrReportView::InvertSelection(int notify)
 {
     const SelectionBatch batch(*d);
-    for (std::size_t r = 0; r < d->items.size(); ++r) {
-        const CNyrReportViewItem* item = d->items[r];
-        if (item->IsVisible())
-            SelectRealItem(static_cast<unsigned int>(r), !item->IsSelected(), notify);
-    }
+    d->ForEachVisibleItem([&](unsigned int r) { SelectRealItem(r, !d->items[r]->IsSelected(), notify); });
 }
 
 void CNyrReportView::SelectCheckedItems(int notify)
 {
     const SelectionBatch batch(*d);
-    for (std::size_t r = 0; r < d->items.size(); ++r) {
-        const CNyrReportViewItem* item = d->items[r];
-        if (item->IsVisible())
-            SelectRealItem(static_cast<unsigned int>(r), item->IsChecked(), notify);
-    }
+    d->ForEachVisibleItem([&](unsigned int r) { SelectRealItem(r, d->items[r]->IsChecked(), notify); });
 }
 
 void CNyrReportView::SelectScreenItems(const std::vector<int>& screenItems, int keepOthers)
@@ -913,15 +961,13 @@ void CNyrReportView::DisableRealItem(unsigned int realItem, int disable, int not
 void CNyrReportView::DisableRealItems(const std::vector<unsigned int>& realItems, int disable, int notify)
 {
     const SelectionBatch batch(*d);
-    for (unsigned int realItem : realItems)
-        DisableRealItem(realItem, disable, notify);
+    d->ForEachItem(realItems, [&](unsigned int r) { DisableRealItem(r, disable, notify); });
 }
 
 void CNyrReportView::DisableAllItems(int disable, int notify)
 {
     const SelectionBatch batch(*d);
-    for (std::size_t r = 0; r < d->items.size(); ++r)
-        DisableRealItem(static_cast<unsigned int>(r), disable, notify);
+    d->ForEachVisibleItem([&](unsigned int r) { DisableRealItem(r, disable, notify); });
 }
 
 void CNyrReportView::SetDisableRealItemsEnabled(bool enabled)
@@ -934,76 +980,76 @@ bool CNyrReportView::GetDisableRealItemsEnabled() const
     return d->disableEnabled;
 }
 
-void CNyrReportView::OnSelectRealItemInternal(unsigned int realItem, int screenItem, int select,
-                                              CNyrReportViewItem* item, int notify)
+void CNyrReportView::Private::TellItemChanges(unsigned int realItem, unsigned int stateBefore,
+                                              unsigned int flagsBefore, int notify)
 {
-    const bool doNotify = notify && !GetSuppressSelectNotifications();
-    const bool before = item->IsSelected();
-    const bool bitBefore = (item->GetItemState() & CNyrReportViewItem::StateSelected) != 0;
+    const CNyrReportViewItem* item = items[realItem];
+    const unsigned int state = item->GetItemState();
+    const bool selected = (state & CNyrReportViewItem::StateSelected) != 0;
+    const bool disabled = (state & CNyrReportViewItem::StateDisabled) != 0;
+    const bool checked = (item->GetModelFlags() & CNyrReportViewItem::FlagChecked) != 0;
+    const bool selectChanged = ((stateBefore ^ state) & CNyrReportViewItem::StateSelected) != 0;
+    const bool disableChanged = ((stateBefore ^ state) & CNyrReportViewItem::StateDisabled) != 0;
+    const bool checkChanged = ((flagsBefore ^ item->GetModelFlags()) & CNyrReportViewItem::FlagChecked) != 0;
+    if (!selectChanged && !disableChanged && !checkChanged)
+        return;
+    if (selectChanged)
+        selectedBits += selected ? 1 : std::size_t(-1);
+    const int screenItem = q->ScreenItemFromReal(realItem);
+    if (screenItem >= 0) {
+        if (disableChanged) {
+            // The row's flags changed (greyed, not selectable).
+            const int lastCol = std::max(0, static_cast<int>(screenToRealCol.size()) - 1);
+            emit model->dataChanged(model->index(screenItem, 0), model->index(screenItem, lastCol));
+        }
+        if (selectChanged || disableChanged)
+            MirrorRowSelection(static_cast<ScreenItem>(screenItem), item->IsSelected());
+        q->InvalidateScreenItem(screenItem);
+    }
+    // Every change of a bit is told, hidden item or not. A subscriber may
+    // change the view while it is told: the screen index is looked up anew.
+    const HeldNotifications held(*this);
+    const auto tell = [&](bool changed, bool suppressed, bool on, void (CNyrReportView::*hook)(unsigned int, int, int),
+                          long bit, unsigned int onMessage, unsigned int offMessage) {
+        if (!changed || !notify || suppressed)
+            return;
+        (q->*hook)(realItem, q->ScreenItemFromReal(realItem), on ? 1 : 0);
+        q->SendNotificationToNotifyItems(bit, on ? onMessage : offMessage, static_cast<qintptr>(realItem));
+    };
+    tell(selectChanged, q->GetSuppressSelectNotifications(), selected, &CNyrReportView::OnSelectRealItem,
+         NotifyItemSelect, WM_NYR_REPORTVIEW_ITEM_SELECT, WM_NYR_REPORTVIEW_ITEM_DESELECT);
+    tell(disableChanged, suppressDisable, disabled, &CNyrReportView::OnDisableRealItem, NotifyItemDisable,
+         WM_NYR_REPORTVIEW_ITEM_DISABLE, WM_NYR_REPORTVIEW_ITEM_ENABLE);
+    tell(checkChanged, q->GetSuppressCheckNotifications(), checked, &CNyrReportView::OnCheckRealItem,
+         NotifyItemCheck, WM_NYR_REPORTVIEW_ITEM_CHECK, WM_NYR_REPORTVIEW_ITEM_UNCHECK);
+}
+
+void CNyrReportView::OnSelectRealItemInternal(unsigned int realItem, int, int select, CNyrReportViewItem* item,
+                                              int notify)
+{
+    const unsigned int state = item->GetItemState();
     item->SelectItem(select, 1);
-    const bool bitAfter = (item->GetItemState() & CNyrReportViewItem::StateSelected) != 0;
-    if (bitAfter != bitBefore)
-        d->selectedBits += bitAfter ? 1 : std::size_t(-1);
-    if (item->IsSelected() == before)
-        return;
-    if (d->ValidScreen(screenItem)) {
-        d->MirrorRowSelection(static_cast<ScreenItem>(screenItem), !before);
-        InvalidateScreenItem(screenItem);
-    }
-    if (doNotify) {
-        OnSelectRealItem(realItem, screenItem, select);
-        SendNotificationToNotifyItems(NotifyItemSelect,
-                                      select ? WM_NYR_REPORTVIEW_ITEM_SELECT : WM_NYR_REPORTVIEW_ITEM_DESELECT,
-                                      static_cast<qintptr>(realItem));
-    }
+    d->TellItemChanges(realItem, state, item->GetModelFlags(), notify);
 }
 
-void CNyrReportView::OnCheckRealItemInternal(unsigned int realItem, int screenItem, int check,
-                                             CNyrReportViewItem* item, int notify)
+void CNyrReportView::OnCheckRealItemInternal(unsigned int realItem, int, int check, CNyrReportViewItem* item,
+                                             int notify)
 {
-    const bool doNotify = notify && !GetSuppressCheckNotifications();
-    // The item's own rule of what is a change (on a hidden item CheckItem(1)
-    // is one even when the bit is set already).
-    const bool changing = item->IsChecked() != (check != 0) && !item->IsDeleted();
+    const unsigned int flags = item->GetModelFlags();
     item->CheckItem(check, 1);
-    if (!changing)
-        return;
-    if (d->ValidScreen(screenItem))
-        InvalidateScreenItem(screenItem);
-    if (doNotify) {
-        OnCheckRealItem(realItem, screenItem, check);
-        SendNotificationToNotifyItems(NotifyItemCheck,
-                                      check ? WM_NYR_REPORTVIEW_ITEM_CHECK : WM_NYR_REPORTVIEW_ITEM_UNCHECK,
-                                      static_cast<qintptr>(realItem));
-    }
+    d->TellItemChanges(realItem, item->GetItemState(), flags, notify);
 }
 
-void CNyrReportView::OnDisableRealItemInternal(unsigned int realItem, int screenItem, int disable,
-                                               CNyrReportViewItem* item, int notify)
+void CNyrReportView::OnDisableRealItemInternal(unsigned int realItem, int, int disable, CNyrReportViewItem* item,
+                                               int notify)
 {
     if (!d->disableEnabled)
         return;
-    const bool doNotify = notify && !d->suppressDisable;
-    if (disable && item->IsSelected() && !item->IsDisabled())
-        OnSelectRealItemInternal(realItem, screenItem, 0, item, notify);
-    const bool before = item->IsDisabled();
+    // The item deselects itself first when it is disabled; the deselection
+    // is told before the disabling.
+    const unsigned int state = item->GetItemState();
     item->DisableItem(disable, 1);
-    if (item->IsDisabled() == before)
-        return;
-    if (d->ValidScreen(screenItem)) {
-        // The row's flags changed (greyed, not selectable); Qt may still hold
-        // the row in a range selected across it while it was disabled.
-        const int lastCol = std::max(0, static_cast<int>(d->screenToRealCol.size()) - 1);
-        emit d->model->dataChanged(d->model->index(screenItem, 0), d->model->index(screenItem, lastCol));
-        d->MirrorRowSelection(static_cast<ScreenItem>(screenItem), item->IsSelected());
-        InvalidateScreenItem(screenItem);
-    }
-    if (doNotify) {
-        OnDisableRealItem(realItem, screenItem, disable);
-        SendNotificationToNotifyItems(NotifyItemDisable,
-                                      disable ? WM_NYR_REPORTVIEW_ITEM_DISABLE : WM_NYR_REPORTVIEW_ITEM_ENABLE,
-                                      static_cast<qintptr>(realItem));
-    }
+    d->TellItemChanges(realItem, state, item->GetModelFlags(), notify);
 }
 
 void CNyrReportView::FocusRealItem(unsigned int realItem)
@@ -1011,11 +1057,9 @@ void CNyrReportView::FocusRealItem(unsigned int realItem)
     if (!d->ValidReal(realItem) || !d->OnScreen(static_cast<RealItem>(realItem)))
         return;
     const int row = IxInt(d->ScreenOf(static_cast<RealItem>(realItem)));
-    const bool syncing = d->syncingSelection;
-    d->syncingSelection = true;
+    const ScopedFlag syncing(d->syncingSelection);
     selectionModel()->setCurrentIndex(d->model->index(row, std::max(0, currentIndex().column())),
                                       QItemSelectionModel::NoUpdate);
-    d->syncingSelection = syncing;
 }
 
 void CNyrReportView::EnsureRealItemVisible(unsigned int realItem)
@@ -1037,6 +1081,7 @@ void CNyrReportView::RefreshRealItem(unsigned int realItem, int notify)
 
 void CNyrReportView::CleanupRealItems(int notify)
 {
+    ++d->generation;
     d->ResetRows(false, [this] {
         for (CNyrReportViewItem* item : d->items)
             delete item;
@@ -1382,13 +1427,28 @@ void CNyrReportView::SendNotificationToNotifyItems(long bit, unsigned int messag
 {
     if (d->subscribers.empty())
         return;
-    // The list as it stands now: a subscriber may subscribe or unsubscribe
-    // windows while it handles the message.
-    const std::vector<Private::Subscriber> subscribers = d->subscribers;
-    for (const Private::Subscriber& s : subscribers) {
-        if ((s.mask & bit) && NyrIsWindow(s.window))
-            NyrSendMessage(s.window, message, reinterpret_cast<quintptr>(this), lParam);
+    d->pending.push_back({bit, message, lParam});
+    // A change made by a subscriber while it is told of another waits until
+    // every subscriber has been told of that one, so that all of them hear
+    // of the changes in the order they were made.
+    if (!d->dispatching)
+        d->DeliverPending();
+}
+
+void CNyrReportView::Private::DeliverPending()
+{
+    const ScopedFlag delivering(dispatching);
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        const Pending next = pending[i];
+        // The list as it stands now: a subscriber may subscribe or
+        // unsubscribe windows while it handles the message.
+        const std::vector<Subscriber> now = subscribers;
+        for (const Subscriber& s : now) {
+            if ((s.mask & next.bit) && NyrIsWindow(s.window))
+                NyrSendMessage(s.window, next.message, reinterpret_cast<quintptr>(q), next.lParam);
+        }
     }
+    pending.clear();
 }
 
 void CNyrReportView::SetSuppressHideNotifications(bool suppress)

@@ -41,6 +41,28 @@ class QMenu;
 // turns notify off for its kind of change. Changes made through the item's
 // own operations (CNyrReportViewItem::SelectItem, ...) reach neither the
 // screen nor the subscribers until the view redraws or rebuilds its rows.
+//
+// The rule every way of changing an item follows (the operations here, the
+// menu commands, the keys, the mouse, the find dialog):
+//  - Each change of an item's selected, checked, disabled or hidden bit is
+//    told once, hidden item or not; a request that leaves the bit as it was
+//    is not told (even where the item's hook runs, as for CheckItem(1) on a
+//    hidden item). Deleting is never told.
+//  - No item is ever selected and disabled at once: selecting a disabled
+//    item is refused, disabling a selected one deselects it first (told
+//    before the disabling), hidden or not.
+//  - The "All" operations (SelectAllItems, InvertSelection,
+//    SelectCheckedItems, CheckAllItems, InvertChecked, DisableAllItems) act
+//    on the visible items, the rows the user sees, whichever way they are
+//    reached (Ctrl+A is SelectAllItems): hidden items keep their bits and
+//    show them again when viewed. HideAllItems(0) views the hidden ones.
+//  - What Qt shows selected is always the model's selection of the items on
+//    screen, also when a subscriber hides, shows or sorts rows while it is
+//    told of the user's selection: the rows the user chose are turned into
+//    items before anyone is told.
+//  - A change a subscriber makes while it is told of another is told to all
+//    subscribers after that one has reached them all, so that every
+//    subscriber hears of the changes in the order they were made.
 class NYR_EXPORT CNyrReportView : public CNyrListView
 {
     Q_OBJECT
@@ -85,7 +107,7 @@ public:
         MenuSelect = 0x0010,       // select all, invert selection, select checked items
         MenuCheck = 0x0020,        // check all, invert checked (only with check boxes)
         MenuModify = 0x0040,       // "&Modify..." (item menu: OnModifyRealItem)
-        MenuDelete = 0x0080,       // "&Delete\tDEL"; also lets the Delete key delete the selection
+        MenuDelete = 0x0080,       // "&Delete\tDEL"; in either item menu, lets the Delete key delete the selection
         MenuGlobal = 0x0100,       // the application's global menu of that kind
         MenuFind = 0x0200,         // "&Find...\tCtrl+F"
         MenuFindNP = 0x0400,       // "Find &Next", "Find P&revious"
@@ -204,6 +226,8 @@ public:
     void SelectRealItem(unsigned int realItem, int select, int notify = 1);
     void SelectRealItems(const std::vector<unsigned int>& realItems, int select, int notify = 1);
     void SelectAllItems(int select, int notify = 1);
+    // Ctrl+A and Qt's own select-all: SelectAllItems(1, 1).
+    void selectAll() override;
     void InvertSelection(int notify = 1);
     // Selects exactly the checked items.
     void SelectCheckedItems(int notify = 1);
@@ -475,8 +499,10 @@ public:
     void InsertGlobalItemMenu(CNyrReportViewMenuPopUp& menu);
     void InsertGlobalItemBkMenu(CNyrReportViewMenuPopUp& menu);
     // Builds and shows a context menu at a global position, as the mouse
-    // does: over a header section, a row or the background.
+    // does: over a header section, a row or the background; the shift
+    // variant when Shift is held now, or when `shift` says so.
     void ShowContextMenu(const QPoint& globalPos);
+    void ShowContextMenu(const QPoint& globalPos, bool shift);
 
     // ---- In-place editing ----
     //
@@ -531,9 +557,10 @@ protected:
     // A host overrides it to ask once for the whole selection.
     virtual void OnDeleteSelectedItems();
 
-    // The state changes behind the public operations: work out notify from
-    // the switch, change the item (its hook runs), redraw, then (when
-    // notifying and the state did change) the view's hook and the message.
+    // The state changes behind the public operations: change the item (its
+    // hook runs), redraw, then for each bit that changed (and with notify,
+    // unless that kind's suppress switch is on) the view's hook and the
+    // message. `screenItem` is not trusted: the row is looked up again.
     void OnSelectRealItemInternal(unsigned int realItem, int screenItem, int select, CNyrReportViewItem* item,
                                   int notify);
     void OnCheckRealItemInternal(unsigned int realItem, int screenItem, int check, CNyrReportViewItem* item,
@@ -541,7 +568,8 @@ protected:
     void OnDisableRealItemInternal(unsigned int realItem, int screenItem, int disable, CNyrReportViewItem* item,
                                    int notify);
     // Sends the message to each subscriber whose mask has `bit` and whose
-    // window still exists, in the order of subscription.
+    // window still exists, in the order of subscription; while another
+    // message is being sent, after it (see the class comment).
     void SendNotificationToNotifyItems(long bit, unsigned int message, qintptr lParam);
     // The layout the view restores under AutoRestore; called once, before the
     // items first show: the stored column widths and visibility and column

@@ -28,7 +28,8 @@ QString Text(unsigned int id)
 }
 
 // The dialog's own labels in the text table.
-constexpr unsigned int kWidthHeading = 26302, kMoveUp = 26303, kMoveDown = 26304, kDefaults = 26305;
+constexpr unsigned int kWidthHeading = 26302, kMoveUp = 26303, kMoveDown = 26304, kDefaults = 26305,
+                       kColumnHeading = 26340;
 
 // Widths are edited in a spin box of the valid range.
 class WidthDelegate : public QStyledItemDelegate
@@ -91,7 +92,7 @@ CNyrReportViewColumnsDlg::CNyrReportViewColumnsDlg(CNyrReportView* view, QWidget
     d->all->setTristate(true);
     d->all->setEnabled(d->style & CNyrReportView::ColumnsDlgVisibility);
     d->list = new QTableWidget(0, 2, this);
-    d->list->setHorizontalHeaderLabels({QString(), Text(kWidthHeading)});
+    d->list->setHorizontalHeaderLabels({Text(kColumnHeading), Text(kWidthHeading)});
     d->list->horizontalHeader()->setSectionResizeMode(kLabelColumn, QHeaderView::Stretch);
     d->list->verticalHeader()->hide();
     d->list->setSelectionBehavior(QAbstractItemView::SelectRows);

@@ -44,7 +44,9 @@ void CNyrReportViewItem::SelectItem(int select, int notify)
 {
     if (IsSelected() == (select != 0) || IsDeleted())
         return;
-    if (select && IsDisabled())
+    // The disabled bit, not IsDisabled(): a hidden disabled item must not
+    // come back selected either.
+    if (select && (m_itemState & StateDisabled))
         return;
     if (notify)
         OnSelectItem(select);
@@ -58,8 +60,13 @@ void CNyrReportViewItem::DisableItem(int disable, int notify)
 {
     if (IsDisabled() == (disable != 0) || IsDeleted())
         return;
-    if (disable && IsSelected())
-        SelectItem(0, notify);
+    // The selected bit, not IsSelected(): a hidden item loses its selection
+    // too (SelectItem(0) would leave a hidden item's bit alone).
+    if (disable && (m_itemState & StateSelected)) {
+        if (notify)
+            OnSelectItem(0);
+        m_itemState &= ~StateSelected;
+    }
     if (notify)
         OnDisableItem(disable);
     if (disable)

@@ -73,10 +73,13 @@ public:
     // CheckItem(0) does nothing: the mark shows as it was once viewed again.
     void CheckItem(int check, int notify);
     // Nothing happens when IsSelected() equals `select` or the item is
-    // deleted; a disabled item is never selected (deselecting it goes through).
+    // deleted; a disabled item is never selected, hidden or not (deselecting
+    // it goes through).
     void SelectItem(int select, int notify);
     // Nothing happens when IsDisabled() equals `disable` or the item is
-    // deleted. Disabling a selected item deselects it first (same notify).
+    // deleted. Disabling an item whose selected bit is set, hidden or not,
+    // deselects it first (OnSelectItem(0) with notify), so no item ever holds
+    // both bits.
     void DisableItem(int disable, int notify);
 
     // Hooks, in this order. realCol / realItem are model indexes, screenCol /

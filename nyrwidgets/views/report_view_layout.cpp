@@ -5,19 +5,17 @@
 #include <numeric>
 
 #include "nyr/util/profile_entries.h"
+#include "nyr/views/stored_layout_p.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/views/report_view_columns_dlg.h"
 #include "nyrwidgets/views/report_view_p.h"
 
 using nyr::views_detail::Ix;
 
-namespace {
+using nyr::detail::kStoredWidthDeleted;
+using nyr::detail::kStoredWidthHidden;
 
-// Stored widths of a deleted and of a hidden column; a column added since
-// the value was stored shows with kNewColumnWidth pixels.
-constexpr int kWidthDeleted = -2;
-constexpr int kWidthHidden = -1;
-constexpr int kNewColumnWidth = 80;
-constexpr int kMaxWidth = 32767;
+namespace {
 
 int& ColWidthDefaultValue()
 {
@@ -51,9 +49,9 @@ int CNyrReportView::StoreColWidthAndHiddenIn(const std::string& section)
     for (std::size_t c = 0; c < d->cols.size(); ++c) {
         const CNyrReportViewCol* col = d->cols[c].get();
         if (col->IsDeleted())
-            values.push_back(kWidthDeleted);
+            values.push_back(kStoredWidthDeleted);
         else if (col->IsHidden())
-            values.push_back(kWidthHidden);
+            values.push_back(kStoredWidthHidden);
         else
             values.push_back(header->sectionSize(ScreenColFromReal(static_cast<unsigned int>(c))));
     }
@@ -87,11 +85,7 @@ int CNyrReportView::LoadColWidthAndHidden(std::vector<int>& widths)
     if (d->cols.empty())
         return 0;
     CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewColWidth(), widths);
-    if (widths.empty())
-        return 0;
-    if (widths.size() < d->cols.size())
-        widths.resize(d->cols.size(), kNewColumnWidth);
-    return 1;
+    return nyr::detail::FillColWidths(widths, static_cast<unsigned int>(d->cols.size())) ? 1 : 0;
 }
 
 int CNyrReportView::LoadColOrder(std::vector<int>& order)
@@ -100,38 +94,29 @@ int CNyrReportView::LoadColOrder(std::vector<int>& order)
     if (d->cols.empty())
         return 0;
     CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewColOrder(), order);
-    // Missing entries (all of them when nothing is stored): the column's own
-    // real index.
-    while (order.size() < d->cols.size())
-        order.push_back(static_cast<int>(order.size()));
-    return 1;
+    return nyr::detail::FillColOrder(order, static_cast<unsigned int>(d->cols.size())) ? 1 : 0;
 }
 
 void CNyrReportView::ApplyColWidthAndHidden(const std::vector<int>& widths)
 {
-    const std::size_t n = std::min(widths.size(), d->cols.size());
-    // A value that would leave no column on screen is refused whole: the
-    // view would have no header left to bring a column back with.
-    bool anyShown = false;
-    for (std::size_t c = 0; c < d->cols.size() && !anyShown; ++c) {
-        const int width = c < n ? widths[c] : kWidthHidden - 2;
-        anyShown = !d->cols[c]->IsDeleted() &&
-                   (width >= 0 || (width < kWidthDeleted && d->cols[c]->IsVisible()));
-    }
-    if (!anyShown)
+    using nyr::detail::ColumnChange;
+    std::vector<nyr::detail::ColumnNow> now;
+    for (const auto& col : d->cols)
+        now.push_back({col->IsDeleted(), col->IsVisible()});
+    std::vector<nyr::detail::ColumnAction> actions;
+    if (!nyr::detail::PlanColWidths(widths, now, horizontalHeader()->minimumSectionSize(), actions))
         return;
-    const int minWidth = horizontalHeader()->minimumSectionSize();
-    for (std::size_t c = 0; c < n; ++c) {
+    for (std::size_t c = 0; c < actions.size(); ++c) {
         const auto realCol = static_cast<unsigned int>(c);
-        const int width = widths[c];
-        if (width == kWidthDeleted) {
-            DeleteRealCol(realCol, 1);
-        } else if (width == kWidthHidden) {
-            HideRealCol(realCol, 1, 1);
-        } else if (width >= 0) {
+        switch (actions[c].change) {
+        case ColumnChange::Delete: DeleteRealCol(realCol, 1); break;
+        case ColumnChange::Hide: HideRealCol(realCol, 1, 1); break;
+        case ColumnChange::Show:
             // The width first, so that the column shows with it.
-            SetRealColWidth(realCol, std::clamp(width, minWidth, std::max(minWidth, kMaxWidth)));
+            SetRealColWidth(realCol, actions[c].width);
             HideRealCol(realCol, 0, 1);
+            break;
+        case ColumnChange::Keep: break;
         }
     }
 }
@@ -236,7 +221,7 @@ int CNyrReportView::ColumnsDialog()
     if (!d->columnsDlgStyle)
         return 0;
     CNyrReportViewColumnsDlg dialog(this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (NyrExecDialog(dialog) != QDialog::Accepted)
         return 0;
     const std::vector<CNyrReportViewColumnsDlg::COLUMN> columns = dialog.GetColumns();
     HoldAllColInfos();

@@ -147,6 +147,36 @@ QAction* CNyrReportViewMenuPopUp::FindText(unsigned int textId) const
     });
 }
 
+namespace {
+
+CNyrReportViewMenuPopUp::ChoiceHook& Hook()
+{
+    static CNyrReportViewMenuPopUp::ChoiceHook hook;
+    return hook;
+}
+
+}  // namespace
+
+QAction* CNyrReportViewMenuPopUp::Exec(const QPoint& globalPos)
+{
+    // A copy: the hook may install another one while it runs.
+    const ChoiceHook hook = Hook();
+    if (!hook)
+        return exec(globalPos);
+    QAction* chosen = hook(*this);
+    if (!chosen || !chosen->isEnabled() || chosen->menu())
+        return nullptr;
+    chosen->trigger();
+    return chosen;
+}
+
+CNyrReportViewMenuPopUp::ChoiceHook CNyrReportViewMenuPopUp::SetChoiceHook(ChoiceHook hook)
+{
+    ChoiceHook previous = std::move(Hook());
+    Hook() = std::move(hook);
+    return previous;
+}
+
 void CNyrReportViewMenuPopUp::AppendMenu(const QMenu* menu)
 {
     if (!menu || menu->actions().isEmpty())
@@ -480,7 +510,11 @@ void CNyrReportView::InsertGlobalItemBkMenu(CNyrReportViewMenuPopUp& menu)
 
 void CNyrReportView::ShowContextMenu(const QPoint& globalPos)
 {
-    const bool shift = (QGuiApplication::keyboardModifiers() & Qt::ShiftModifier) != 0;
+    ShowContextMenu(globalPos, (QGuiApplication::keyboardModifiers() & Qt::ShiftModifier) != 0);
+}
+
+void CNyrReportView::ShowContextMenu(const QPoint& globalPos, bool shift)
+{
     CNyrReportViewMenuPopUp menu(this, this);
     QHeaderView* header = horizontalHeader();
     const QPoint inHeader = header->mapFromGlobal(globalPos);
@@ -495,7 +529,7 @@ void CNyrReportView::ShowContextMenu(const QPoint& globalPos)
             BuildItemBkContextMenu(menu, shift);
     }
     if (!menu.actions().isEmpty())
-        menu.exec(globalPos);
+        menu.Exec(globalPos);
 }
 
 void CNyrReportView::contextMenuEvent(QContextMenuEvent* e)
@@ -505,13 +539,16 @@ void CNyrReportView::contextMenuEvent(QContextMenuEvent* e)
         const QRect row = visualRect(model()->index(GetFocusedItem(), 0));
         globalPos = viewport()->mapToGlobal(row.center());
     }
-    ShowContextMenu(globalPos);
+    ShowContextMenu(globalPos, (e->modifiers() & Qt::ShiftModifier) != 0);
     e->accept();
 }
 
 void CNyrReportView::keyPressEvent(QKeyEvent* e)
 {
-    if (e->key() == Qt::Key_Delete && e->modifiers() == Qt::NoModifier && (GetItemMenu() & MenuDelete)) {
+    // Delete works wherever the item menu offers "&Delete\tDEL", with or
+    // without Shift (by default only the Shift menu has it).
+    const bool offered = ((GetItemMenu(false) | GetItemMenu(true)) & MenuDelete) != 0;
+    if (e->key() == Qt::Key_Delete && e->modifiers() == Qt::NoModifier && offered) {
         OnDeleteSelectedItems();
         e->accept();
         return;

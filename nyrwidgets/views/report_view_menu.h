@@ -37,6 +37,18 @@ public:
 
     QObject* Target() const { return m_target; }
 
+    // Shows the menu at a global position and runs the entry the user
+    // chooses; returns it, or null when the menu closed without a choice.
+    QAction* Exec(const QPoint& globalPos);
+
+    // The seam for tests: while a hook is installed, Exec() does not show the
+    // menu but hands it to the hook, filled as it would show, and runs the
+    // entry the hook returns when that is enabled (a disabled entry, or
+    // null, chooses nothing). Process-wide, for the user-interface thread;
+    // returns the hook it replaces. An empty hook restores normal operation.
+    using ChoiceHook = std::function<QAction*(CNyrReportViewMenuPopUp& menu)>;
+    static ChoiceHook SetChoiceHook(ChoiceHook hook);
+
 private:
     QObject* m_target;
 };

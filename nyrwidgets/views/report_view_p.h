@@ -3,9 +3,11 @@
 // Private parts of CNyrReportView shared by its source files.
 
 #include <QAbstractTableModel>
+#include <QItemSelection>
 #include <QPointer>
 #include <QStyledItemDelegate>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -89,6 +91,48 @@ struct PrefetchItem
     }
 };
 
+// Sets a flag for its lifetime and then puts back what it was, so that a
+// nested change does not clear the flag of the change around it.
+class ScopedFlag
+{
+public:
+    explicit ScopedFlag(bool& flag) : m_flag(flag), m_saved(flag) { m_flag = true; }
+    ~ScopedFlag() { m_flag = m_saved; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+
+private:
+    bool& m_flag;
+    bool m_saved;
+};
+
+// Sets a flag while the outermost of nested scopes lives and, as that one
+// ends, clears it and runs `atEnd`: for work that a batch of changes does
+// once, at its end.
+class OutermostScope
+{
+public:
+    OutermostScope(bool& flag, std::function<void()> atEnd)
+        : m_flag(flag), m_atEnd(std::move(atEnd)), m_outer(!flag)
+    {
+        m_flag = true;
+    }
+    ~OutermostScope()
+    {
+        if (m_outer) {
+            m_flag = false;
+            m_atEnd();
+        }
+    }
+    OutermostScope(const OutermostScope&) = delete;
+    OutermostScope& operator=(const OutermostScope&) = delete;
+
+private:
+    bool& m_flag;
+    std::function<void()> m_atEnd;
+    bool m_outer;
+};
+
 }  // namespace nyr::views_detail
 
 // The screen side of a report view: the visible real items in screen order,
@@ -164,6 +208,20 @@ struct CNyrReportView::Private
 
     std::vector<Subscriber> subscribers;  // in the order of subscription
 
+    // Messages waiting while another one is being delivered: a change made
+    // by a subscriber is told to everyone after the change it was told of.
+    struct Pending
+    {
+        long bit;
+        unsigned int message;
+        qintptr lParam;
+    };
+    std::vector<Pending> pending;
+    bool dispatching = false;  // messages wait in `pending` while set
+    // Counts CleanupRealItems: a loop over real indexes that tells
+    // subscribers stops when it changes (the indexes name other items then).
+    std::uint64_t generation = 0;
+
     bool suppressHide = false;
     bool suppressRefresh = false;
     bool suppressDisable = false;
@@ -193,6 +251,9 @@ struct CNyrReportView::Private
     // Set while the view itself changes Qt's selection or the rows, so that
     // Qt's selection signals are not taken as the user's.
     bool syncingSelection = false;
+    // A selection change made while syncingSelection was set left Qt's
+    // selection behind the model's.
+    bool qtSelectionStale = false;
     // Items whose selected bit is set (hidden and deleted ones included), as
     // far as the view changed them. While 0, rebuilding Qt's selection needs
     // no pass over the items.
@@ -231,6 +292,28 @@ struct CNyrReportView::Private
     // Qt's selection of one row (or of all rows) made to agree with the items.
     void MirrorRowSelection(ScreenItem s, bool selected);
     void ResyncQtSelection();
+    // The user's selection in Qt onto the items (see report_view.cpp).
+    void OnQtSelectionChanged(const QItemSelection& selected, const QItemSelection& deselected);
+
+    // ---- State changes (report_view.cpp) ----
+
+    // Sends the waiting messages, and those they cause, in order.
+    void DeliverPending();
+
+    // After an item operation: the screen follows each of the item's
+    // selected, disabled and checked bits that differs from its value before,
+    // and, with notify (and that kind's suppress switch off), the view's hook
+    // and the subscribers are told of it: the selection first.
+    void TellItemChanges(unsigned int realItem, unsigned int stateBefore, unsigned int flagsBefore, int notify);
+    // Calls f(realItem) for each of these items in turn; stops when a
+    // subscriber removes all items (CleanupRealItems), as the indexes then
+    // name other items.
+    template <class F>
+    void ForEachItem(const std::vector<unsigned int>& realItems, F f);
+    // The same for each item visible when the call starts that is still
+    // visible when its turn comes (a subscriber may hide some).
+    template <class F>
+    void ForEachVisibleItem(F f);
     // The screen form of the sort state onto the header marks.
     void UpdateSortMarks();
 

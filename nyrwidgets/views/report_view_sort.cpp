@@ -2,6 +2,8 @@
 // "SortState" and the header click rules.
 #include "nyr/frame/notifications.h"
 #include "nyr/util/profile_entries.h"
+#include "nyr/views/stored_layout_p.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/report_view_p.h"
@@ -98,14 +100,11 @@ void CNyrReportView::HideHeaderSortedState()
 
 int CNyrReportView::StoreSortState()
 {
-    std::vector<int> values;
-    values.reserve(2 * d->sortState.size());
-    for (const SORT_STATE_REALCOL& key : d->sortState) {
-        values.push_back(static_cast<int>(key.realCol));
-        values.push_back(key.ascending ? 1 : 0);
-    }
+    std::vector<nyr::detail::StoredSortKey> keys;
+    for (const SORT_STATE_REALCOL& key : d->sortState)
+        keys.push_back({key.realCol, key.ascending ? 1 : 0});
     return CNyrProfileEntries::WriteNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewSortState(),
-                                                       values);
+                                                       nyr::detail::FormatSortState(keys));
 }
 
 int CNyrReportView::LoadSortState(std::vector<SORT_STATE_REALCOL>& state)
@@ -113,18 +112,11 @@ int CNyrReportView::LoadSortState(std::vector<SORT_STATE_REALCOL>& state)
     state.clear();
     std::vector<int> values;
     CNyrProfileEntries::ReadNyrProfileIntVector(InifileSection(), CNyrProfileEntries::ReportViewSortState(), values);
-    if (values.empty() || values.size() % 2 != 0)
+    std::vector<nyr::detail::StoredSortKey> keys;
+    if (!nyr::detail::ParseSortState(values, static_cast<unsigned int>(d->cols.size()), keys))
         return 0;
-    const auto columns = static_cast<long long>(d->cols.size());
-    for (std::size_t i = 0; i < values.size(); i += 2) {
-        // A column equal to the column count passes: intended (the bound is
-        // kept as it always was).
-        if (values[i] < 0 || values[i] > columns) {
-            state.clear();
-            return 0;
-        }
-        state.push_back({static_cast<unsigned int>(values[i]), values[i + 1] != 0 ? 1 : 0});
-    }
+    for (const nyr::detail::StoredSortKey& key : keys)
+        state.push_back({key.realCol, key.ascending});
     return 1;
 }
 
@@ -151,7 +143,7 @@ int CNyrReportView::GetSerializeSortStateDefault()
 int CNyrReportView::SortMultiple()
 {
     CNyrReportViewSortMultipleDlg dialog(this);
-    if (dialog.exec() != QDialog::Accepted)
+    if (NyrExecDialog(dialog) != QDialog::Accepted)
         return 0;
     SortList(dialog.GetSortState());
     return 1;

@@ -41,9 +41,16 @@ CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* vie
 {
     setWindowTitle(MenuText(26044));
     auto* grid = new QGridLayout;
+    // Alt+1, Alt+2, Alt+3 reach the column choices. The direction buttons of
+    // the three rows share their texts, so they carry no mnemonic (Tab and
+    // the arrow keys reach them).
+    const QString ascending = MenuText(26024);
+    const QString descending = MenuText(26025);
     for (int k = 0; k < kKeys; ++k) {
-        grid->addWidget(new QLabel(QString::number(k + 1) + QLatin1Char('.'), this), k, 0);
         QComboBox* box = d->choice[k] = new QComboBox(this);
+        auto* label = new QLabel(QLatin1Char('&') + QString::number(k + 1) + QLatin1Char('.'), this);
+        label->setBuddy(box);
+        grid->addWidget(label, k, 0);
         box->addItem(QString(), kNoColumn);
         for (unsigned int c = 0; view && c < view->GetRealColumns(); ++c) {
             const CNyrReportViewCol* col = view->GetRealCol(c);
@@ -52,8 +59,8 @@ CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* vie
         }
         grid->addWidget(box, k, 1);
         auto* group = new QButtonGroup(this);
-        d->ascending[k] = new QRadioButton(QString::fromStdString(NyrLoadString(26024)), this);
-        d->descending[k] = new QRadioButton(QString::fromStdString(NyrLoadString(26025)), this);
+        d->ascending[k] = new QRadioButton(ascending, this);
+        d->descending[k] = new QRadioButton(descending, this);
         group->addButton(d->ascending[k]);
         group->addButton(d->descending[k]);
         d->ascending[k]->setChecked(true);

@@ -7,7 +7,7 @@
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QTest>
-#include <QTimer>
+#include <memory>
 
 #include "nyr/frame/notifications.h"
 #include "nyr/util/profile_entries.h"
@@ -197,8 +197,8 @@ TEST_F(Export, TheDialogAsksWritesAndStores)
 {
     MessageLog messages(7);  // "No" to replacing a file
     view.CheckRealItem(1, 1);
-    QTimer::singleShot(0, [this] {
-        auto* dialog = qobject_cast<CNyrReportViewSaveAsDlgCV*>(QApplication::activeModalWidget());
+    auto answer = std::make_unique<nyr::test::DialogAnswer>([this](QDialog& d) {
+        auto* dialog = qobject_cast<CNyrReportViewSaveAsDlgCV*>(&d);
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(dialog->windowTitle(), "Save List As");
         ASSERT_EQ(dialog->FileTypeBox()->count(), 3);
@@ -217,9 +217,11 @@ TEST_F(Export, TheDialogAsksWritesAndStores)
     EXPECT_NE(ini.find("IncludeHeader=0"), std::string::npos) << ini;
     EXPECT_NE(ini.find("SaveWhat=2"), std::string::npos) << ini;
 
+    EXPECT_EQ(answer->opened, 1);
     // The file exists now: declining to replace it keeps the dialog open.
-    QTimer::singleShot(0, [this, &messages] {
-        auto* dialog = qobject_cast<CNyrReportViewSaveAsDlgCV*>(QApplication::activeModalWidget());
+    answer.reset();  // first: it puts back the hook it replaced
+    answer = std::make_unique<nyr::test::DialogAnswer>([this, &messages](QDialog& d) {
+        auto* dialog = qobject_cast<CNyrReportViewSaveAsDlgCV*>(&d);
         ASSERT_NE(dialog, nullptr);
         EXPECT_FALSE(dialog->HeaderBox()->isChecked());  // as stored
         EXPECT_TRUE(dialog->SaveWhatButton(2)->isChecked());
@@ -234,6 +236,7 @@ TEST_F(Export, TheDialogAsksWritesAndStores)
         dialog->reject();
     });
     NyrSendMessage(&view, WM_NYR_REPORTVIEW_SAVE_AS);
+    EXPECT_EQ(answer->opened, 1);
     EXPECT_EQ(ReadFile(dir.File("points.txt")), "\tbeta\t2\r\n");
 }
 

@@ -5,7 +5,6 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTimer>
 
 #include "nyr/frame/notifications.h"
 #include "nyr/util/profile_entries.h"
@@ -203,8 +202,8 @@ TEST_F(Layout, ColumnsDialogShowsAndAppliesTheLayout)
     EXPECT_EQ(list->currentRow(), 1);
 
     // Through the menu command: C shown first with 90 pixels, B hidden.
-    QTimer::singleShot(0, [] {
-        auto* d = qobject_cast<CNyrReportViewColumnsDlg*>(QApplication::activeModalWidget());
+    nyr::test::DialogAnswer answer([](QDialog& shown) {
+        auto* d = qobject_cast<CNyrReportViewColumnsDlg*>(&shown);
         ASSERT_NE(d, nullptr);
         QTableWidget* rows = d->ColumnList();
         rows->setCurrentCell(2, 0);
@@ -219,6 +218,7 @@ TEST_F(Layout, ColumnsDialogShowsAndAppliesTheLayout)
     view.BuildHeaderContextMenu(menu, 0);
     ASSERT_NE(menu.FindCommand(WM_NYR_REPORTVIEW_COLUMNS_DLG), nullptr);
     menu.FindCommand(WM_NYR_REPORTVIEW_COLUMNS_DLG)->trigger();
+    EXPECT_EQ(answer.opened, 1);
     EXPECT_EQ(Shown(view), "CA");
     EXPECT_EQ(Width(view, 2), 90);
     EXPECT_NE(Ini().find("ColWidth=100;-1;90;"), std::string::npos) << Ini();

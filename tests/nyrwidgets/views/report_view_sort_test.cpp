@@ -2,8 +2,8 @@
 
 #include <QComboBox>
 #include <QHeaderView>
+#include <QImage>
 #include <QTest>
-#include <QTimer>
 #include <numeric>
 
 #include "nyr/frame/notifications.h"
@@ -168,6 +168,46 @@ TEST(ReportViewSort, KeysInOrderUpToTheEndMarkerThenTheIndex)
     EXPECT_EQ(ScreenOrder(view), cases[6].order);
     EXPECT_EQ(State(view), (std::vector<std::pair<unsigned, int>>{{0xFFFFFFFFu, 0}}));
     EXPECT_TRUE(sub.received.empty());
+}
+
+// The runs of dark pixel columns (text, marks) across a header section, left
+// to right, as [first, last] x positions.
+std::vector<std::pair<int, int>> InkRuns(const QImage& image, int left, int width)
+{
+    std::vector<std::pair<int, int>> runs;
+    for (int x = left; x < left + width; ++x) {
+        bool ink = false;
+        for (int y = 2; y < image.height() - 2 && !ink; ++y)
+            ink = qGray(image.pixel(x, y)) < 128;
+        if (!ink)
+            continue;
+        if (!runs.empty() && runs.back().second == x - 1)
+            runs.back().second = x;
+        else
+            runs.emplace_back(x, x);
+    }
+    return runs;
+}
+
+TEST(ReportViewSort, SortRankStaysClearOfARightAlignedLabel)
+{
+    CNyrReportView view;
+    view.AddRealCols(std::vector<std::string>{"Name", "Northing [m]"}, {100, 140}, {LVCFMT_LEFT, LVCFMT_RIGHT});
+    view.resize(400, 200);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    view.SortList(std::vector<SortKey>{{0, 1}, {1, 1}});
+    QHeaderView* header = view.horizontalHeader();
+    const auto runs = InkRuns(header->grab().toImage(), header->sectionViewportPosition(1), header->sectionSize(1));
+    // From the right: the arrow, the rank "2", the label's last glyph.
+    ASSERT_GE(runs.size(), 3u);
+    const auto& arrow = runs[runs.size() - 1];
+    const auto& rank = runs[runs.size() - 2];
+    const auto& label = runs[runs.size() - 3];
+    const int rankGap = arrow.first - rank.second - 1;
+    const int labelGap = rank.first - label.second - 1;
+    EXPECT_GE(labelGap, 6);
+    EXPECT_GE(labelGap, 2 * rankGap) << "the rank reads as part of the label";
 }
 
 TEST(ReportViewSort, AppendedItemsGoToTheirSortedPlaceAndFocusSurvivesASort)
@@ -353,14 +393,15 @@ TEST(SortMultipleDlg, TheMenuCommandSortsByTheChosenKeys)
     CNyrReportView view;
     Fill(view, 5);
     view.SortList(std::vector<SortKey>{{0, 0}});
-    QTimer::singleShot(0, [] {
-        auto* dialog = qobject_cast<CNyrReportViewSortMultipleDlg*>(QApplication::activeModalWidget());
+    nyr::test::DialogAnswer answer([](QDialog& d) {
+        auto* dialog = qobject_cast<CNyrReportViewSortMultipleDlg*>(&d);
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(dialog->GetChoice(0), 0);  // starts from the view's state
         dialog->SetChoice(0, 1, 1);
         dialog->accept();
     });
     NyrSendMessage(&view, WM_NYR_REPORTVIEW_SORT_MULTIPLE);
+    EXPECT_EQ(answer.opened, 1);
     EXPECT_EQ(State(view), (std::vector<std::pair<unsigned, int>>{{1, 1}}));
 }
 
