@@ -276,7 +276,6 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26302, "Width"},
     {26303, "Move &Up"},
     {26304, "Move &Down"},
-    {26305, "&Defaults"},
     {26305, "De&faults"},
     // Mail: addresses refused before sending
     {26320, "The mail address is not valid."},
@@ -308,8 +307,8 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26371, "Time span"},
     {26372, "%s in %s"},
     // Printing of list and report views
-    {26400, "Print Pre&view..."},
-    {26401, "Export P&DF..."},
+    {26400, "Print Previe&w..."},
+    {26401, "E&xport PDF..."},
     {26402, "Rows"},
     {26403, "Layout"},
     {26404, "&Fit to page width"},

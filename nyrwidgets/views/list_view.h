@@ -175,8 +175,8 @@ public:
     // of the view's window.
     void SetPrintTitle(const std::string& title);
     std::string GetPrintTitle() const;
-    // Ctrl+P and the menus' "&Print", "Print Pre&view..." and "Export
-    // P&DF...": the print options (CNyrListViewPrintDlg, its choices loaded
+    // Ctrl+P and the menus' "&Print", "Print Previe&w..." and "E&xport
+    // PDF...": the print options (CNyrListViewPrintDlg, its choices loaded
     // from and stored to the view's settings section), then the printer's
     // dialog, the print preview or the PDF file. Failures are shown to the
     // user. Print and ExportPdf return the number of pages printed, 0 when

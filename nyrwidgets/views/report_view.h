@@ -112,7 +112,7 @@ public:
         MenuFind = 0x0200,         // "&Find...\tCtrl+F"
         MenuFindNP = 0x0400,       // "Find &Next", "Find P&revious"
         MenuSaveAs = 0x0800,       // "Save &As..."
-        MenuPrint = 0x1000,        // "&Print\tCtrl+P", "Print Pre&view...", "Export P&DF..."
+        MenuPrint = 0x1000,        // "&Print\tCtrl+P", "Print Previe&w...", "E&xport PDF..."
     };
 
     // What the columns dialog lets the user change (bits of ColumnsDlgStyle).

@@ -7,6 +7,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/ui_hooks.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_menu.h"
@@ -95,7 +96,7 @@ int CNyrListView::Print()
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
     dialog.setOption(QAbstractPrintDialog::PrintSelection, false);
-    if (dialog.exec() != QDialog::Accepted)
+    if (NyrExecDialog(dialog) != QDialog::Accepted)
         return 0;
     TakePageLayout(info, printer);
     CNyrListViewPrint::StoreCustomProperties(info, InifileSection());
@@ -123,7 +124,7 @@ int CNyrListView::PrintPreview()
         TakePageLayout(info, *target);
         NyrPrintListView(info, *target, &error);
     });
-    preview.exec();
+    NyrExecDialog(preview);
     CNyrListViewPrint::StoreCustomProperties(info, InifileSection());
     if (!error.empty())
         ShowError(error, 26400);

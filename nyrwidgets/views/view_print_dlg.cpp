@@ -19,6 +19,7 @@
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/list_view.h"
@@ -181,7 +182,7 @@ int CNyrListViewPrintDlg::Run(const std::string& section)
 {
     CNyrListViewPrint::LoadCustomProperties(*d->info, section);
     InfoToControls();
-    if (exec() != QDialog::Accepted)
+    if (NyrExecDialog(*this) != QDialog::Accepted)
         return 0;
     CNyrListViewPrint::StoreCustomProperties(*d->info, section);
     return 1;
@@ -230,7 +231,7 @@ void CNyrListViewPrintDlg::Browse()
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setNameFilter(Text(26417));
     dialog.setDefaultSuffix(QStringLiteral("pdf"));
-    if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
+    if (NyrExecDialog(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
         d->fileName->setText(dialog.selectedFiles().front());
 }
 

@@ -307,7 +307,7 @@ TEST_F(Print, GermanModuleTranslatesFrameAndMenus)
     ASSERT_TRUE(menu.FindCommand(NyrListViewPrintMessage()));
     EXPECT_EQ(menu.FindCommand(NyrListViewPrintMessage())->text(), QStringLiteral("&Drucken\tStrg+P"));
     EXPECT_EQ(menu.FindCommand(NyrListViewPrintPreviewMessage())->text(), QStringLiteral("Druck&vorschau..."));
-    EXPECT_EQ(menu.FindCommand(NyrListViewExportPdfMessage())->text(), QStringLiteral("Als P&DF exportieren..."));
+    EXPECT_EQ(menu.FindCommand(NyrListViewExportPdfMessage())->text(), QStringLiteral("Als PDF e&xportieren..."));
 }
 
 }  // namespace
