@@ -3,6 +3,7 @@
 #include "nyrwidgets/views/plan_view.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QImage>
 #include <QPainter>
 #include <QTimer>
@@ -276,7 +277,10 @@ int CNyrPlanView::ExportPngDialog()
     dialog.setDefaultSuffix("png");
     if (CNyrDialog::ExecDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return 0;
-    const std::string path = dialog.selectedFiles().front().toStdString();
+    QString file = dialog.selectedFiles().front();
+    if (QFileInfo(file).suffix().isEmpty())
+        file += ".png";
+    const std::string path = file.toStdString();
     if (ExportPng(path))
         return 1;
     NyrMessageBox(NyrFormat(NyrLoadString(26468).c_str(), path.c_str()), {}, 0x10 /* MB_ICONERROR */);
@@ -290,7 +294,7 @@ const std::vector<CNyrPlanView::LABEL>& CNyrPlanView::GetDrawnLabels() const
 
 CNyrPlanView::SCALE_BAR CNyrPlanView::GetScaleBar() const
 {
-    return nyr::plan_detail::ScaleBarFor(d->scale, 120.0);
+    return nyr::plan_detail::ScaleBarFor(d->scale, 120.0);  // as drawn on screen
 }
 
 QString CNyrPlanView::GetCursorText() const

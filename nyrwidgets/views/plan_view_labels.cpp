@@ -6,9 +6,12 @@
 #include "nyrwidgets/views/plan_view_p.h"
 
 std::vector<QRectF> nyr::plan_detail::PlaceLabels(const std::vector<QPointF>& points, const std::vector<QSizeF>& boxes,
-                                                  double gap, const QRectF& bounds)
+                                                  double gap, const QRectF& bounds, const std::vector<QRectF>& obstacles)
 {
     std::vector<QRectF> placed(points.size());
+    // What a label must keep clear of: the obstacles, then the labels
+    // placed so far.
+    std::vector<QRectF> taken;
     double tallest = 1.0;
     for (const QSizeF& b : boxes)
         tallest = std::max(tallest, b.height());
@@ -35,9 +38,20 @@ std::vector<QRectF> nyr::plan_detail::PlaceLabels(const std::vector<QPointF>& po
             if (it == grid.end())
                 return true;
             return std::none_of(it->second.begin(), it->second.end(),
-                                [&](std::size_t j) { return placed[j].intersects(r); });
+                                [&](std::size_t j) { return taken[j].intersects(r); });
         });
     };
+    const auto take = [&](const QRectF& r) {
+        cellsOf(r, [&](long long key) {
+            grid[key].push_back(taken.size());
+            return true;
+        });
+        taken.push_back(r);
+    };
+    for (const QRectF& r : obstacles) {
+        if (!r.isEmpty())
+            take(r);
+    }
     for (std::size_t i = 0; i < points.size() && i < boxes.size(); ++i) {
         const QPointF p = points[i];
         const double w = boxes[i].width();
@@ -51,10 +65,7 @@ std::vector<QRectF> nyr::plan_detail::PlaceLabels(const std::vector<QPointF>& po
             if (!bounds.contains(r) || !isFree(r))
                 continue;
             placed[i] = r;
-            cellsOf(r, [&](long long key) {
-                grid[key].push_back(i);
-                return true;
-            });
+            take(r);
             break;
         }
     }

@@ -3,6 +3,7 @@
 // The plan view's private parts: its drawing cache of the report view's
 // items, the mapping of the plane onto a painter and the frame renderer.
 
+#include <QFont>
 #include <QHash>
 #include <QImage>
 #include <QPointer>
@@ -75,6 +76,21 @@ struct ViewPoint
     QPointF pos;  // painter coordinates
 };
 
+// What one frame is drawn with: the mapping, the scale k of symbols, texts
+// and furniture (1 on screen), device pixels per painter unit, and where the
+// furniture goes (labels keep clear of it).
+struct Frame
+{
+    Mapping m;
+    double k = 1.0;
+    double rasterScale = 1.0;
+    QFont font;
+    double textHeight = 0.0;
+    CNyrPlanView::SCALE_BAR bar;
+    QRectF northArrow;
+    QRectF scaleBar;  // with its text; empty without a bar
+};
+
 inline constexpr double kMinScale = 1e-7;
 inline constexpr double kMaxScale = 1e4;
 inline constexpr double kMaxCoordinate = 1e9;
@@ -84,12 +100,12 @@ QString Text(unsigned int id);
 
 // Places labels, in the order given (highest priority first), at the first
 // of four places beside their point (right, left, above, below) where the
-// box stays inside `bounds` and overlaps no label placed before; labels
-// without such a place are dropped. `boxes[i]` is the size of label i,
-// `points[i]` its point and `gap` the distance from the point to the box.
-// Returns, per label, its box or an empty rectangle.
+// box stays inside `bounds` and overlaps neither a label placed before nor
+// an obstacle; labels without such a place are dropped. `boxes[i]` is the
+// size of label i, `points[i]` its point and `gap` the distance from the
+// point to the box. Returns, per label, its box or an empty rectangle.
 std::vector<QRectF> PlaceLabels(const std::vector<QPointF>& points, const std::vector<QSizeF>& boxes, double gap,
-                                const QRectF& bounds);
+                                const QRectF& bounds, const std::vector<QRectF>& obstacles);
 
 // A length of 1, 2 or 5 times a power of ten (in the current distance unit)
 // whose bar is as long as possible but at most `maxPixels` at `pixelsPerMetre`.
@@ -139,20 +155,23 @@ struct CNyrPlanView::Private
     // ---- Drawing (plan_view_render.cpp) ----
 
     nyr::plan_detail::Mapping ScreenMapping() const;
-    void DrawFrame(QPainter& painter, const nyr::plan_detail::Mapping& m, double k,
-                   std::vector<LABEL>* labels);
+    void DrawFrame(QPainter& painter, const nyr::plan_detail::Mapping& m, double k, std::vector<LABEL>* labels);
     // Rasterises what is in view and collects its points while they are
     // few enough; returns how many points are in view.
-    std::size_t CollectPoints(const nyr::plan_detail::Mapping& m, double margin, double rasterScale,
-                              std::vector<unsigned int>& points);
-    void DrawRaster(QPainter& painter, const QRectF& target, double rasterScale, double dot);
-    void DrawSymbols(QPainter& painter, const nyr::plan_detail::Mapping& m, double k, double rasterScale,
-                     std::vector<unsigned int>& points, std::vector<LABEL>* labels, bool withLabels);
-    void DrawLabels(QPainter& painter, const std::vector<nyr::plan_detail::ViewPoint>& points, double k,
-                    const QRectF& bounds, std::vector<LABEL>* labels);
+    std::size_t CollectPoints(const nyr::plan_detail::Frame& frame, std::vector<unsigned int>& points);
+    void DrawRaster(QPainter& painter, const nyr::plan_detail::Frame& frame);
+    void DrawSymbols(QPainter& painter, const nyr::plan_detail::Frame& frame, std::vector<unsigned int>& points,
+                     std::vector<LABEL>* labels, bool withLabels);
+    void DrawLabels(QPainter& painter, const nyr::plan_detail::Frame& frame,
+                    const std::vector<nyr::plan_detail::ViewPoint>& points, std::vector<LABEL>* labels);
     const QImage& Sprite(uint16_t slot, uint8_t state, int pixels, double rasterScale);
-    void DrawNorthArrow(QPainter& painter, const QRectF& target, double k) const;
-    void DrawScaleBar(QPainter& painter, const nyr::plan_detail::Mapping& m, double k) const;
+
+    // ---- Furniture (plan_view_furniture.cpp) ----
+
+    // The frame for a mapping, its furniture laid out.
+    nyr::plan_detail::Frame LayOut(const QPainter& painter, const nyr::plan_detail::Mapping& m, double k) const;
+    void DrawNorthArrow(QPainter& painter, const nyr::plan_detail::Frame& frame) const;
+    void DrawScaleBar(QPainter& painter, const nyr::plan_detail::Frame& frame) const;
     void DrawOverlays(QPainter& painter) const;
 
     // ---- Mapping and input (plan_view.cpp, plan_view_input.cpp) ----

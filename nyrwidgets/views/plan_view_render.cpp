@@ -1,7 +1,5 @@
-// Drawing a frame of the plan: the points (as symbols while few are in
-// view, as one dot per pixel beyond), their labels, the north arrow and the
-// scale bar.
-#include <QFontInfo>
+// Drawing a frame of the plan: the points, as symbols while few are in
+// view and as one dot per pixel beyond, and their labels.
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
@@ -14,6 +12,7 @@
 
 using nyr::plan_detail::kChecked;
 using nyr::plan_detail::kDisabled;
+using nyr::plan_detail::Frame;
 using nyr::plan_detail::kSelected;
 using nyr::plan_detail::kShown;
 using nyr::plan_detail::Mapping;
@@ -22,9 +21,6 @@ using nyr::plan_detail::ViewPoint;
 
 namespace {
 
-// The longest side of the raster in device pixels; a larger target (a
-// printer's page) gets its raster scaled up.
-constexpr double kMaxRaster = 4096.0;
 constexpr uint32_t kRankNormal = 1u << 24;
 constexpr uint32_t kRankChecked = 2u << 24;
 constexpr uint32_t kRankSelected = 3u << 24;
@@ -33,17 +29,6 @@ const QColor kDisabledColor(176, 176, 176);
 uint32_t Rgb(const QColor& c)
 {
     return c.rgb() & 0xFFFFFFu;
-}
-
-// Device pixels per painter unit, so that the raster and the symbols are
-// sharp on any device.
-double DeviceScale(const QPainter& painter, const QRectF& target)
-{
-    const QTransform t = painter.combinedTransform() * painter.deviceTransform();
-    double s = std::sqrt(std::abs(t.determinant()));
-    if (!(s > 0.0) || !std::isfinite(s))
-        s = 1.0;
-    return std::min(s, kMaxRaster / std::max(target.width(), target.height()));
 }
 
 // Widens every dot to a square of 2 * radius + 1 pixels; where dots meet,
@@ -120,13 +105,6 @@ QPainterPath ShapePath(CNyrPlanView::eSymbolShape shape, const QRectF& box)
     return path;
 }
 
-QFont LabelFont(const QWidget& widget, double k)
-{
-    QFont font = widget.font();
-    font.setPixelSize(std::max(6, static_cast<int>(std::lround(QFontInfo(widget.font()).pixelSize() * k))));
-    return font;
-}
-
 }  // namespace
 
 void CNyrPlanView::Private::DrawFrame(QPainter& painter, const Mapping& m, double k, std::vector<LABEL>* labelsOut)
@@ -135,20 +113,21 @@ void CNyrPlanView::Private::DrawFrame(QPainter& painter, const Mapping& m, doubl
     painter.setClipRect(m.rect);
     painter.fillRect(m.rect, q->palette().color(QPalette::Base));
     EnsureRecords();
-    const double rasterScale = DeviceScale(painter, m.rect);
-    const std::size_t count = CollectPoints(m, symbolSize * k / 2 + 1, rasterScale, inView);
+    const Frame frame = LayOut(painter, m, k);
+    const std::size_t count = CollectPoints(frame, inView);
     if (count > symbolLimit)
-        DrawRaster(painter, m.rect, rasterScale, symbolSize * k);
+        DrawRaster(painter, frame);
     else
-        DrawSymbols(painter, m, k, rasterScale, inView, labelsOut, labels && count <= labelLimit);
-    DrawNorthArrow(painter, m.rect, k);
-    DrawScaleBar(painter, m, k);
+        DrawSymbols(painter, frame, inView, labelsOut, labels && count <= labelLimit);
+    DrawNorthArrow(painter, frame);
+    DrawScaleBar(painter, frame);
     painter.restore();
 }
 
-std::size_t CNyrPlanView::Private::CollectPoints(const Mapping& m, double margin, double rasterScale,
-                                                 std::vector<unsigned int>& points)
+std::size_t CNyrPlanView::Private::CollectPoints(const Frame& frame, std::vector<unsigned int>& points)
 {
+    const Mapping& m = frame.m;
+    const double rasterScale = frame.rasterScale;
     points.clear();
     const int w = std::max(1, static_cast<int>(std::ceil(m.rect.width() * rasterScale)));
     const int h = std::max(1, static_cast<int>(std::ceil(m.rect.height() * rasterScale)));
@@ -168,7 +147,8 @@ std::size_t CNyrPlanView::Private::CollectPoints(const Mapping& m, double margin
     m.ToPlane(m.rect.topLeft(), left, top);
     const double ax = (originE - left) * f;
     const double ay = (top - originN) * f;
-    const double reach = margin * rasterScale + FloatError() * f;
+    // Points whose symbol reaches into the view count as in view.
+    const double reach = (symbolSize * frame.k / 2 + 1) * rasterScale + FloatError() * f;
     auto* bits = reinterpret_cast<uint32_t*>(raster.bits());
     const auto stride = static_cast<std::size_t>(raster.bytesPerLine() / 4);
     std::size_t count = 0;
@@ -196,26 +176,28 @@ std::size_t CNyrPlanView::Private::CollectPoints(const Mapping& m, double margin
     return count;
 }
 
-void CNyrPlanView::Private::DrawRaster(QPainter& painter, const QRectF& target, double rasterScale, double dot)
+void CNyrPlanView::Private::DrawRaster(QPainter& painter, const Frame& frame)
 {
-    Dilate(raster, static_cast<int>(std::lround(dot * rasterScale / 6)));
+    // A dot a third of a symbol across.
+    Dilate(raster, static_cast<int>(std::lround(symbolSize * frame.k * frame.rasterScale / 6)));
     // The rank byte becomes an opaque alpha.
     for (int y = 0; y < raster.height(); ++y) {
         auto* row = reinterpret_cast<uint32_t*>(raster.scanLine(y));
         for (int x = 0; x < raster.width(); ++x)
             row[x] = row[x] ? (row[x] | 0xFF000000u) : 0u;
     }
-    painter.drawImage(target, raster);
+    painter.drawImage(frame.m.rect, raster);
 }
 
-void CNyrPlanView::Private::DrawSymbols(QPainter& painter, const Mapping& m, double k, double rasterScale,
-                                        std::vector<unsigned int>& points, std::vector<LABEL>* labelsOut,
-                                        bool withLabels)
+void CNyrPlanView::Private::DrawSymbols(QPainter& painter, const Frame& frame, std::vector<unsigned int>& points,
+                                        std::vector<LABEL>* labelsOut, bool withLabels)
 {
+    const Mapping& m = frame.m;
     // Selected points over checked ones over the rest.
     std::stable_sort(points.begin(), points.end(),
                      [this](unsigned int a, unsigned int b) { return Rank(records[a].state) < Rank(records[b].state); });
-    const int pixels = std::max(3, static_cast<int>(std::lround(symbolSize * k * rasterScale)));
+    const double rasterScale = frame.rasterScale;
+    const int pixels = std::max(3, static_cast<int>(std::lround(symbolSize * frame.k * rasterScale)));
     std::vector<ViewPoint> drawn;
     for (unsigned int r : points) {
         double e = 0.0;
@@ -231,12 +213,12 @@ void CNyrPlanView::Private::DrawSymbols(QPainter& painter, const Mapping& m, dou
     if (withLabels) {
         std::sort(drawn.begin(), drawn.end(),
                   [](const ViewPoint& a, const ViewPoint& b) { return a.realItem < b.realItem; });
-        DrawLabels(painter, drawn, k, m.rect, labelsOut);
+        DrawLabels(painter, frame, drawn, labelsOut);
     }
 }
 
-void CNyrPlanView::Private::DrawLabels(QPainter& painter, const std::vector<ViewPoint>& points, double k,
-                                       const QRectF& bounds, std::vector<LABEL>* labelsOut)
+void CNyrPlanView::Private::DrawLabels(QPainter& painter, const Frame& frame, const std::vector<ViewPoint>& points,
+                                       std::vector<LABEL>* labelsOut)
 {
     struct Candidate
     {
@@ -260,8 +242,7 @@ void CNyrPlanView::Private::DrawLabels(QPainter& painter, const std::vector<View
     // the lower real index.
     std::stable_sort(candidates.begin(), candidates.end(),
                      [](const Candidate& a, const Candidate& b) { return a.priority > b.priority; });
-    const QFont font = LabelFont(*q, k);
-    const QFontMetricsF metrics(font, painter.device());
+    const QFontMetricsF metrics(frame.font, painter.device());
     std::vector<QPointF> anchors;
     std::vector<QSizeF> boxes;
     for (const Candidate& c : candidates) {
@@ -269,8 +250,9 @@ void CNyrPlanView::Private::DrawLabels(QPainter& painter, const std::vector<View
         boxes.emplace_back(metrics.horizontalAdvance(QString::fromStdString(c.text)), metrics.height());
     }
     const std::vector<QRectF> placed =
-        nyr::plan_detail::PlaceLabels(anchors, boxes, symbolSize * k / 2 + 2 * k, bounds);
-    painter.setFont(font);
+        nyr::plan_detail::PlaceLabels(anchors, boxes, (symbolSize / 2.0 + 2) * frame.k, frame.m.rect,
+                                      {frame.northArrow, frame.scaleBar});
+    painter.setFont(frame.font);
     painter.setPen(q->palette().color(QPalette::Text));
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         if (placed[i].isEmpty())
@@ -317,80 +299,4 @@ const QImage& CNyrPlanView::Private::Sprite(uint16_t slot, uint8_t state, int pi
     p.end();
     image.setDevicePixelRatio(rasterScale);
     return *sprites.insert(key, image);
-}
-
-void CNyrPlanView::Private::DrawNorthArrow(QPainter& painter, const QRectF& target, double k) const
-{
-    const QFont font = LabelFont(*q, k);
-    const double textHeight = QFontMetricsF(font, painter.device()).height();
-    const double cx = target.right() - 22 * k;
-    const double top = target.top() + 8 * k;
-    const QRectF letter(cx - 20 * k, top, 40 * k, textHeight);
-    const double tip = letter.bottom() + 2 * k;
-    const double base = tip + 26 * k;
-    const QColor ink = q->palette().color(QPalette::WindowText);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(font);
-    painter.setPen(ink);
-    painter.drawText(letter, Qt::AlignCenter, nyr::plan_detail::Text(26010));
-    QPainterPath left;
-    left.moveTo(cx, tip);
-    left.lineTo(cx, base - 6 * k);
-    left.lineTo(cx - 7 * k, base);
-    left.closeSubpath();
-    QPainterPath right;
-    right.moveTo(cx, tip);
-    right.lineTo(cx + 7 * k, base);
-    right.lineTo(cx, base - 6 * k);
-    right.closeSubpath();
-    painter.setPen(QPen(ink, std::max(1.0, k)));
-    painter.fillPath(left, ink);
-    painter.fillPath(right, q->palette().color(QPalette::Base));
-    painter.drawPath(left);
-    painter.drawPath(right);
-}
-
-void CNyrPlanView::Private::DrawScaleBar(QPainter& painter, const Mapping& m, double k) const
-{
-    const SCALE_BAR bar = nyr::plan_detail::ScaleBarFor(m.scale, 120 * k);
-    if (!(bar.pixels > 0.0))
-        return;
-    const QColor ink = q->palette().color(QPalette::WindowText);
-    const double right = m.rect.right() - 14 * k;
-    const double height = 5 * k;
-    const QRectF whole(right - bar.pixels, m.rect.bottom() - 12 * k - height, bar.pixels, height);
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillRect(whole, q->palette().color(QPalette::Base));
-    painter.fillRect(QRectF(whole.left(), whole.top(), whole.width() / 2, height), ink);
-    painter.setPen(QPen(ink, std::max(1.0, k)));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(whole);
-    const QFont font = LabelFont(*q, k);
-    const double textHeight = QFontMetricsF(font, painter.device()).height();
-    painter.setFont(font);
-    painter.drawText(QRectF(whole.left() - 40 * k, whole.top() - textHeight - 2 * k, whole.width() + 80 * k, textHeight),
-                     Qt::AlignHCenter | Qt::AlignBottom, QString::fromStdString(bar.text));
-}
-
-void CNyrPlanView::Private::DrawOverlays(QPainter& painter) const
-{
-    if (drag == DragBand) {
-        QColor fill = q->palette().color(QPalette::Highlight);
-        fill.setAlpha(40);
-        painter.setRenderHint(QPainter::Antialiasing, false);
-        painter.setPen(QPen(q->palette().color(QPalette::Highlight), 1, Qt::DashLine));
-        painter.setBrush(fill);
-        painter.drawRect(band.normalized());
-    }
-    if (!cursorText.isEmpty()) {
-        painter.setFont(q->font());
-        const QFontMetrics metrics(q->font());
-        const QRect box(4, q->height() - metrics.height() - 6, metrics.horizontalAdvance(cursorText) + 8,
-                        metrics.height() + 2);
-        QColor back = q->palette().color(QPalette::Base);
-        back.setAlpha(210);
-        painter.fillRect(box, back);
-        painter.setPen(q->palette().color(QPalette::Text));
-        painter.drawText(box, Qt::AlignCenter, cursorText);
-    }
 }
