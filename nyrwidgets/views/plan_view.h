@@ -67,9 +67,10 @@ public:
 // boxes), Delete deletes it (when the report view's item menu offers
 // Delete; the report view's own handler asks), Escape ends a rubber band.
 //
-// It draws a north arrow, a scale bar in the current distance unit and, on
-// screen, the coordinates under the cursor in that unit (and latitude and
-// longitude in the geographic angle unit, with a projection); it redraws on
+// It draws a north arrow (top right), a scale bar in the current distance
+// unit (bottom right) and, on screen, the coordinates under the cursor in
+// that unit with, given a projection, latitude and longitude in the
+// geographic angle unit (top left); it redraws on
 // WM_NYR_UNIT_CHANGED_DISTANCE and WM_NYR_UNIT_CHANGED_ANGLE.
 class NYR_EXPORT CNyrPlanView : public QWidget
 {

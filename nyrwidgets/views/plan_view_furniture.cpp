@@ -117,8 +117,7 @@ void CNyrPlanView::Private::DrawOverlays(QPainter& painter) const
     if (!cursorText.isEmpty()) {
         painter.setFont(q->font());
         const QFontMetrics metrics(q->font());
-        const QRect box(4, q->height() - metrics.height() - 6, metrics.horizontalAdvance(cursorText) + 8,
-                        metrics.height() + 2);
+        const QRect box(4, 4, metrics.horizontalAdvance(cursorText) + 8, metrics.height() + 2);
         QColor back = q->palette().color(QPalette::Base);
         back.setAlpha(210);
         painter.fillRect(box, back);
