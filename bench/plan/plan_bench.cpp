@@ -3,9 +3,6 @@
 // frame of panning and a frame of zooming by one wheel step. The same
 // points as QGraphicsEllipseItems in a QGraphicsScene drawn by a
 // QGraphicsView of the same size, fitted to the scene, in the same process.
-#include <benchmark/benchmark.h>
-
-#include <QApplication>
 #include <QGraphicsEllipseItem>
 #include <QGraphicsScene>
 #include <QGraphicsView>
@@ -14,6 +11,7 @@
 #include <memory>
 
 #include "bench/plan/plan_points_p.h"
+#include "bench/qt_bench_p.h"
 
 namespace {
 
@@ -175,12 +173,5 @@ BENCHMARK(BM_SceneRedraw_1M)->UseManualTime()->Unit(benchmark::kMillisecond)->It
 
 int main(int argc, char** argv)
 {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return nyr::bench::RunQtBenchmarks(argc, argv);
 }

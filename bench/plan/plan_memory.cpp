@@ -12,8 +12,8 @@
 #include <cstring>
 #include <memory>
 
-#include "bench/peak_memory_p.h"
 #include "bench/plan/plan_points_p.h"
+#include "bench/qt_bench_p.h"
 
 int main(int argc, char** argv)
 {

@@ -19,12 +19,7 @@
 #include "nyrwidgets/views/plan_view_p.h"
 #include "nyrwidgets/views/report_view.h"
 
-using nyr::plan_detail::kMaxScale;
-using nyr::plan_detail::kMinScale;
-using nyr::plan_detail::kShown;
-using nyr::plan_detail::kSelected;
-using nyr::plan_detail::Mapping;
-using nyr::plan_detail::Symbol;
+using namespace nyr::plan_detail;
 
 QString nyr::plan_detail::Text(unsigned int id)
 {
@@ -127,8 +122,8 @@ void CNyrPlanView::Private::SetScaleAndCenter(double newScale, double e, double 
     if (!std::isfinite(newScale) || !std::isfinite(e) || !std::isfinite(n))
         return;
     scale = std::clamp(newScale, kMinScale, kMaxScale);
-    centerE = std::clamp(e, -nyr::plan_detail::kMaxCoordinate, nyr::plan_detail::kMaxCoordinate);
-    centerN = std::clamp(n, -nyr::plan_detail::kMaxCoordinate, nyr::plan_detail::kMaxCoordinate);
+    centerE = std::clamp(e, -kMaxCoordinate, kMaxCoordinate);
+    centerN = std::clamp(n, -kMaxCoordinate, kMaxCoordinate);
     fitPending = false;
     UpdateCursorText();
     q->update();
@@ -207,7 +202,7 @@ namespace {
 bool BoxOf(const CNyrPlanView::Private& d, uint8_t state, double& e0, double& n0, double& e1, double& n1)
 {
     float x0 = INFINITY, y0 = INFINITY, x1 = -INFINITY, y1 = -INFINITY;
-    for (const nyr::plan_detail::Record& rec : d.records) {
+    for (const Record& rec : d.records) {
         if ((rec.state & state) != state)
             continue;
         x0 = std::min(x0, rec.x);
@@ -271,9 +266,9 @@ int CNyrPlanView::ExportPng(const std::string& path, const QSize& size) const
 
 int CNyrPlanView::ExportPngDialog()
 {
-    QFileDialog dialog(this, nyr::plan_detail::Text(26467));
+    QFileDialog dialog(this, Text(26467));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilter(nyr::plan_detail::Text(26466));
+    dialog.setNameFilter(Text(26466));
     dialog.setDefaultSuffix("png");
     if (CNyrDialog::ExecDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return 0;
@@ -294,7 +289,7 @@ const std::vector<CNyrPlanView::LABEL>& CNyrPlanView::GetDrawnLabels() const
 
 CNyrPlanView::SCALE_BAR CNyrPlanView::GetScaleBar() const
 {
-    return nyr::plan_detail::ScaleBarFor(d->scale, 120.0);  // as drawn on screen
+    return ScaleBarFor(d->scale, 120.0);  // as drawn on screen
 }
 
 QString CNyrPlanView::GetCursorText() const

@@ -9,8 +9,7 @@
 
 #include "nyrwidgets/views/plan_view_p.h"
 
-using nyr::plan_detail::Frame;
-using nyr::plan_detail::Mapping;
+using namespace nyr::plan_detail;
 
 namespace {
 
@@ -42,7 +41,7 @@ Frame CNyrPlanView::Private::LayOut(const QPainter& painter, const Mapping& m, d
     frame.font = q->font();
     frame.font.setPixelSize(std::max(6, static_cast<int>(std::lround(QFontInfo(q->font()).pixelSize() * k))));
     frame.textHeight = QFontMetricsF(frame.font, painter.device()).height();
-    frame.bar = nyr::plan_detail::ScaleBarFor(m.scale, kScaleBarPixels * k);
+    frame.bar = ScaleBarFor(m.scale, kScaleBarPixels * k);
     // The letter, then the arrow below it, 22 k from the right.
     frame.northArrow = QRectF(m.rect.right() - 42 * k, m.rect.top() + 8 * k, 40 * k, frame.textHeight + 28 * k);
     if (frame.bar.pixels > 0.0) {
@@ -67,7 +66,7 @@ void CNyrPlanView::Private::DrawNorthArrow(QPainter& painter, const Frame& frame
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(frame.font);
     painter.setPen(ink);
-    painter.drawText(letter, Qt::AlignCenter, nyr::plan_detail::Text(26010));
+    painter.drawText(letter, Qt::AlignCenter, Text(26010));
     QPainterPath left;
     left.moveTo(cx, tip);
     left.lineTo(cx, base - 6 * k);

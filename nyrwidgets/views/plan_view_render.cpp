@@ -10,14 +10,7 @@
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_item.h"
 
-using nyr::plan_detail::kChecked;
-using nyr::plan_detail::kDisabled;
-using nyr::plan_detail::Frame;
-using nyr::plan_detail::kSelected;
-using nyr::plan_detail::kShown;
-using nyr::plan_detail::Mapping;
-using nyr::plan_detail::Record;
-using nyr::plan_detail::ViewPoint;
+using namespace nyr::plan_detail;
 
 namespace {
 
@@ -135,7 +128,7 @@ std::size_t CNyrPlanView::Private::CollectPoints(const Frame& frame, std::vector
         raster = QImage(w, h, QImage::Format_ARGB32_Premultiplied);
     raster.fill(0);
     std::vector<uint32_t> slotColor;
-    for (const nyr::plan_detail::Symbol& s : symbols)
+    for (const Symbol& s : symbols)
         slotColor.push_back(Rgb(s.color));
     const uint32_t selectedColor = kRankSelected | Rgb(q->palette().color(QPalette::Highlight));
     const uint32_t disabledColor = Rgb(kDisabledColor);
@@ -250,7 +243,7 @@ void CNyrPlanView::Private::DrawLabels(QPainter& painter, const Frame& frame, co
         boxes.emplace_back(metrics.horizontalAdvance(QString::fromStdString(c.text)), metrics.height());
     }
     const std::vector<QRectF> placed =
-        nyr::plan_detail::PlaceLabels(anchors, boxes, (symbolSize / 2.0 + 2) * frame.k, frame.m.rect,
+        PlaceLabels(anchors, boxes, (symbolSize / 2.0 + 2) * frame.k, frame.m.rect,
                                       {frame.northArrow, frame.scaleBar});
     painter.setFont(frame.font);
     painter.setPen(q->palette().color(QPalette::Text));
@@ -275,7 +268,7 @@ const QImage& CNyrPlanView::Private::Sprite(uint16_t slot, uint8_t state, int pi
     const int side = pixels + 2 * ring + 2;
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(0);
-    const nyr::plan_detail::Symbol& symbol = symbols[slot < symbols.size() ? slot : 0];
+    const Symbol& symbol = symbols[slot < symbols.size() ? slot : 0];
     QColor fill = symbol.color;
     if (state & kSelected)
         fill = q->palette().color(QPalette::Highlight);

@@ -12,14 +12,7 @@
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_item.h"
 
-using nyr::plan_detail::kChecked;
-using nyr::plan_detail::kDisabled;
-using nyr::plan_detail::kHasPoint;
-using nyr::plan_detail::kMaxCoordinate;
-using nyr::plan_detail::kSelected;
-using nyr::plan_detail::kShown;
-using nyr::plan_detail::kVisible;
-using nyr::plan_detail::Record;
+using namespace nyr::plan_detail;
 
 CNyrPlanPoint::~CNyrPlanPoint() = default;
 

@@ -81,6 +81,15 @@ void FixView(PlanFixture& f)
     f.plan.SetCenter(500035.0, 5400025.0);
 }
 
+// Check boxes and disabling on, the 8 x 6 grid in the fixed view.
+void SetUpGrid(PlanFixture& f)
+{
+    f.report.SetCheckBoxes(true);
+    f.report.SetDisableRealItemsEnabled(true);
+    f.AddGrid(8, 6, 10.0);
+    FixView(f);
+}
+
 void Drag(QWidget& w, const QPoint& from, const QPoint& to, Qt::KeyboardModifiers modifiers)
 {
     QTest::mousePress(&w, Qt::LeftButton, modifiers, from);
@@ -94,11 +103,9 @@ void Drag(QWidget& w, const QPoint& from, const QPoint& to, Qt::KeyboardModifier
 TEST(PlanViewSync, ClicksAndKeysChangeTheReportView)
 {
     PlanFixture f;
-    f.report.SetCheckBoxes(true);
-    f.report.SetDisableRealItemsEnabled(true);
-    f.AddGrid(8, 6, 10.0);
+    SetUpGrid(f);
     Show(f);
-    FixView(f);
+    FixView(f);  // again, after the fit of the first paint
 
     QTest::mouseClick(&f.plan, Qt::LeftButton, {}, f.ScreenOf(5));
     EXPECT_EQ(f.Selected(), std::vector<unsigned int>{5});
@@ -166,10 +173,7 @@ TEST(PlanViewSync, RubberBandSelectsExactlyWhatItEncloses)
 TEST(PlanViewSync, ChangesInTheReportViewShowInThePlanAtOnce)
 {
     PlanFixture f;
-    f.report.SetCheckBoxes(true);
-    f.report.SetDisableRealItemsEnabled(true);
-    f.AddGrid(8, 6, 10.0);
-    FixView(f);
+    SetUpGrid(f);
     const struct
     {
         const char* name;
@@ -281,10 +285,8 @@ TEST(PlanViewSync, RandomSequenceOfBothViewsOperationsKeepsThePlanInStep)
             }
             if (dots)
                 f.plan.SetDetailLimits(0, 0);
-            f.report.SetCheckBoxes(true);
-            f.report.SetDisableRealItemsEnabled(true);
             f.report.SetItemMenu(f.report.GetItemMenu() | CNyrReportView::MenuDelete, 0);
-            f.AddGrid(8, 6, 10.0);
+            SetUpGrid(f);
             Show(f);
             FixView(f);
             std::mt19937 random(dots * 2 + subscriberFirst + 11);
