@@ -146,13 +146,17 @@ void CNyrPlanView::keyPressEvent(QKeyEvent* e)
         d->ToggleCheckOfSelection();
         break;
     case Qt::Key_Delete:
-        if (!d->OfferDelete())
-            return QWidget::keyPressEvent(e);
+        if (!d->OfferDelete()) {
+            QWidget::keyPressEvent(e);
+            return;
+        }
         d->SendCommand(WM_NYR_REPORTVIEW_DELETE_SELECTED);
         break;
     case Qt::Key_Escape:
-        if (d->drag == Private::DragNone)
-            return QWidget::keyPressEvent(e);
+        if (d->drag == Private::DragNone) {
+            QWidget::keyPressEvent(e);
+            return;
+        }
         d->drag = Private::DragNone;
         update();
         break;

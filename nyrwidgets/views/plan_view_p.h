@@ -164,7 +164,9 @@ struct CNyrPlanView::Private
                      std::vector<LABEL>* labels, bool withLabels);
     void DrawLabels(QPainter& painter, const nyr::plan_detail::Frame& frame,
                     const std::vector<nyr::plan_detail::ViewPoint>& points, std::vector<LABEL>* labels);
-    const QImage& Sprite(uint16_t slot, uint8_t state, int pixels, double rasterScale);
+    // The symbol of a slot in a state, `pixels` device pixels across, with
+    // room for the ring of a checked point around it.
+    const QImage& Sprite(uint16_t slot, uint8_t state, int pixels);
 
     // ---- Furniture (plan_view_furniture.cpp) ----
 

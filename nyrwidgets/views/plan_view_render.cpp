@@ -198,8 +198,10 @@ void CNyrPlanView::Private::DrawSymbols(QPainter& painter, const Frame& frame, s
         PointOf(r, m.scale, e, n);
         const QPointF p = m.ToScreen(e, n);
         const Record& rec = records[r];
-        const QImage& sprite = Sprite(rec.slot, rec.state & (kSelected | kChecked | kDisabled), pixels, rasterScale);
-        painter.drawImage(p - QPointF(sprite.width(), sprite.height()) / (2 * rasterScale), sprite);
+        const QImage& sprite = Sprite(rec.slot, rec.state & (kSelected | kChecked | kDisabled), pixels);
+        // The sprite is in device pixels: one of them per pixel of it.
+        const QSizeF size = QSizeF(sprite.size()) / rasterScale;
+        painter.drawImage(QRectF(p - QPointF(size.width(), size.height()) / 2, size), sprite);
         if (withLabels)
             drawn.push_back(ViewPoint{r, p});
     }
@@ -257,7 +259,7 @@ void CNyrPlanView::Private::DrawLabels(QPainter& painter, const Frame& frame, co
     }
 }
 
-const QImage& CNyrPlanView::Private::Sprite(uint16_t slot, uint8_t state, int pixels, double rasterScale)
+const QImage& CNyrPlanView::Private::Sprite(uint16_t slot, uint8_t state, int pixels)
 {
     const quint64 key = (quint64(slot) << 32) | (quint64(state) << 16) | quint64(pixels);
     auto it = sprites.find(key);
@@ -290,6 +292,5 @@ const QImage& CNyrPlanView::Private::Sprite(uint16_t slot, uint8_t state, int pi
         p.drawEllipse(QRectF(1, 1, side - 2, side - 2).adjusted(line / 2, line / 2, -line / 2, -line / 2));
     }
     p.end();
-    image.setDevicePixelRatio(rasterScale);
     return *sprites.insert(key, image);
 }

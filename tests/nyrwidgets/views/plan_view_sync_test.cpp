@@ -2,8 +2,11 @@
 // either, hidden, deleted, moved and new points, the rubber band, and a
 // seeded random sequence of both views' operations.
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QTest>
+#include <QTimer>
 #include <functional>
 #include <random>
 #include <set>
@@ -138,6 +141,59 @@ TEST(PlanViewSync, ClicksAndKeysChangeTheReportView)
     QTest::keyClick(&f.plan, Qt::Key_Delete);
     EXPECT_TRUE(f.Item(12)->IsDeleted());
     ExpectInStep(f, "deleted by key");
+}
+
+// Opens the plan's context menu and hands it to `act` while it is up; the
+// menu is closed afterwards unless `act` triggered an entry.
+void WithContextMenu(CNyrPlanView& plan, const std::function<void(QMenu&)>& act)
+{
+    bool seen = false;
+    QTimer::singleShot(0, &plan, [&act, &seen] {
+        if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+            seen = true;
+            act(*menu);
+            menu->close();
+        }
+    });
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(10, 10), plan.mapToGlobal(QPoint(10, 10)));
+    QApplication::sendEvent(&plan, &event);
+    EXPECT_TRUE(seen);
+}
+
+QAction* Entry(QMenu& menu, const QString& text)
+{
+    for (QAction* a : menu.actions()) {
+        if (a->text().startsWith(text))
+            return a;
+    }
+    return nullptr;
+}
+
+TEST(PlanViewSync, ContextMenuOffersWhatTheReportViewAllows)
+{
+    PlanFixture f;
+    SetUpGrid(f);
+    Show(f);
+    WithContextMenu(f.plan, [](QMenu& menu) {
+        for (const char* text : {"Zoom to &All", "Zoom &In", "Zoom &Out", "&Labels", "&Select All", "&Invert Selection",
+                                 "&Check All", "In&vert Checked", "Export as &PNG"})
+            EXPECT_TRUE(Entry(menu, text) && Entry(menu, text)->isEnabled()) << text;
+        EXPECT_FALSE(Entry(menu, "Zoom to &Selection")->isEnabled());
+        EXPECT_EQ(Entry(menu, "&Delete"), nullptr);
+        Entry(menu, "&Labels")->trigger();
+    });
+    EXPECT_FALSE(f.plan.GetLabels());
+
+    f.report.SelectRealItem(3, 1);
+    f.report.SetItemMenu(f.report.GetItemMenu() | CNyrReportView::MenuDelete, 0);
+    WithContextMenu(f.plan, [](QMenu& menu) {
+        EXPECT_TRUE(Entry(menu, "Zoom to &Selection")->isEnabled());
+        ASSERT_NE(Entry(menu, "&Delete"), nullptr);
+        Entry(menu, "&Delete")->trigger();
+    });
+    EXPECT_TRUE(f.Item(3)->IsDeleted());
+    WithContextMenu(f.plan, [](QMenu& menu) { Entry(menu, "&Invert Selection")->trigger(); });
+    EXPECT_EQ(f.Selected().size(), 47u);
 }
 
 TEST(PlanViewSync, RubberBandSelectsExactlyWhatItEncloses)
