@@ -31,11 +31,13 @@ std::string Abbreviation(long unit)
     return text;
 }
 
-// A number with as many decimals as a value of `step` needs, at most 6.
+// A number with as many decimals as a value of `step` needs, at most 6;
+// '.' as the point whatever the locale (QString::number ignores it, where
+// printf would follow LC_NUMERIC).
 std::string Decimal(double value, double step)
 {
     const int decimals = step >= 1.0 ? 0 : std::min(6, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
-    return NyrFormat("%.*f", decimals, value);
+    return QString::number(value, 'f', decimals).toStdString();
 }
 
 std::string Trimmed(std::string text)

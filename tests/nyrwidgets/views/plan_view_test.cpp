@@ -2,9 +2,11 @@
 // read-out in the user's units, labels, and its images.
 #include <QApplication>
 #include <QFileDialog>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTest>
 #include <QWheelEvent>
+#include <clocale>
 #include <random>
 
 #include "nyr/frame/notifications.h"
@@ -273,6 +275,30 @@ TEST_F(PlanUnits, ReadOutFollowsTheUnitNotificationsAndTheProjection)
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(plan, &leave);
     EXPECT_EQ(plan->GetCursorText(), "");
+}
+
+// printf follows LC_NUMERIC, which a Qt application takes from a German
+// desktop: "1001,0". Runs where that locale is installed.
+TEST_F(PlanUnits, ReadOutAndScaleBarKeepTheDecimalPointUnderAGermanLocale)
+{
+    const std::string numeric = std::setlocale(LC_NUMERIC, nullptr);
+    if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+        GTEST_SKIP() << "de_DE.UTF-8 is not installed";
+    CNyrPlanView plan;
+    plan.resize(400, 300);
+    plan.SetScale(10.0);
+    plan.SetCenter(1000.0, 2000.0);
+    QMouseEvent move(QEvent::MouseMove, QPointF(210, 140), plan.mapToGlobal(QPointF(210, 140)), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&plan, &move);
+    const QString text = plan.GetCursorText();
+    const std::string bar = plan.GetScaleBar().text;
+    plan.SetScale(300.0);
+    const std::string small = plan.GetScaleBar().text;
+    std::setlocale(LC_NUMERIC, numeric.c_str());
+    EXPECT_EQ(text, "E 1001.0  N 2001.0 m");
+    EXPECT_EQ(bar, "10 m");
+    EXPECT_EQ(small, "0.2 m");
 }
 
 TEST(PlanViewLabels, LabelsNeverOverlapAndCrowdedOnesGoByPriority)
