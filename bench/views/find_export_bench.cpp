@@ -14,6 +14,7 @@
 #include <cstring>
 #include <string>
 
+#include "bench/qt_bench_p.h"
 #include "bench/views/bench_items_p.h"
 #include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
 
@@ -134,7 +135,6 @@ BENCHMARK(BM_ExportCsv_1M)->UseManualTime()->Unit(benchmark::kMillisecond)->Iter
 
 int main(int argc, char** argv)
 {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
     // Our own flag, taken out before Google Benchmark reads the rest.
     int kept = 1;
     for (int i = 1; i < argc; ++i) {
@@ -143,12 +143,5 @@ int main(int argc, char** argv)
         else
             argv[kept++] = argv[i];
     }
-    argc = kept;
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return nyr::bench::RunQtBenchmarks(kept, argv);
 }

@@ -12,6 +12,7 @@
 #include <QSortFilterProxyModel>
 #include <memory>
 
+#include "bench/qt_bench_p.h"
 #include "bench/views/bench_items_p.h"
 
 using nyr::bench::BenchItem;
@@ -214,12 +215,5 @@ BENCHMARK(BM_FirstPaint)->Arg(1000)->Arg(kRows)->UseManualTime()->Unit(benchmark
 
 int main(int argc, char** argv)
 {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return nyr::bench::RunQtBenchmarks(argc, argv);
 }

@@ -10,26 +10,8 @@
 #include <cstring>
 #include <memory>
 
+#include "bench/qt_bench_p.h"
 #include "bench/views/bench_items_p.h"
-
-namespace {
-
-long PeakKilobytes()
-{
-    FILE* f = std::fopen("/proc/self/status", "r");
-    if (!f)
-        return -1;
-    char line[256];
-    long kb = -1;
-    while (std::fgets(line, sizeof line, f)) {
-        if (std::strncmp(line, "VmHWM:", 6) == 0)
-            kb = std::atol(line + 6);
-    }
-    std::fclose(f);
-    return kb;
-}
-
-}  // namespace
 
 int main(int argc, char** argv)
 {
@@ -53,7 +35,7 @@ int main(int argc, char** argv)
         items.reserve(rows.size());
         for (const nyr::bench::Row& r : rows)
             items.push_back(new nyr::bench::BenchItem(r));
-        std::printf("%ld\n", PeakKilobytes());
+        std::printf("%ld\n", nyr::bench::PeakKilobytes());
         for (auto* item : items)
             delete item;
         return 0;
@@ -63,6 +45,6 @@ int main(int argc, char** argv)
     view->DisplayRealItems(0);
     view->SortList(std::vector<CNyrReportView::SORT_STATE_REALCOL>{{nyr::bench::kColText, 1}});
     (void)view->grab();
-    std::printf("%ld\n", PeakKilobytes());
+    std::printf("%ld\n", nyr::bench::PeakKilobytes());
     return 0;
 }

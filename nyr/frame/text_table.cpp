@@ -350,6 +350,17 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26440, "(No recent documents)"},
     {26441, "The file %s is not an executable program."},
     {26442, "%s is already running but does not answer."},
+    // Plan view
+    {26460, "Zoom to &All\tHome"},
+    {26461, "Zoom to &Selection\tShift+Home"},
+    {26462, "Zoom &In\t+"},
+    {26463, "Zoom &Out\t-"},
+    {26464, "&Labels"},
+    {26465, "Export as &PNG..."},
+    {26466, "PNG images (*.png)"},
+    {26467, "Export Plan"},
+    {26468, "The image could not be written to %s."},
+    {26469, "E %s  N %s %s"},
     // Tool tips of small tool buttons
     {56118, "Browse"},
     {56119, "Clear"},

@@ -47,6 +47,18 @@ CSurveyPoint::CSurveyPoint(const CSurveyProject& project, Data data) : m_project
 
 CSurveyPoint::~CSurveyPoint() = default;
 
+int CSurveyPoint::OnGetPlanPosition(double& easting, double& northing) const
+{
+    easting = m_data.easting;
+    northing = m_data.northing;
+    return 1;
+}
+
+unsigned int CSurveyPoint::OnGetPlanCode() const
+{
+    return m_data.code;
+}
+
 const std::string& CSurveyPoint::Code() const
 {
     return m_project->Code(m_data.code);

@@ -5,6 +5,7 @@
 
 #include "apps/nyr-survey/project/geodesy.h"
 #include "nyr/time/time.h"
+#include "nyrwidgets/views/plan_view.h"
 #include "nyrwidgets/views/report_view_item.h"
 
 namespace survey {
@@ -36,8 +37,9 @@ enum eColumn : unsigned int {
 // units (metres, radians) and formats a cell only when the view draws it, so
 // a change of unit costs nothing per point. The distance and azimuth from
 // the project's base point are worked out on first use and kept until the
-// base changes.
-class CSurveyPoint : public CNyrReportViewItem
+// base changes. The plan beside the list draws it at its grid position with
+// the symbol of its code and its name as label.
+class CSurveyPoint : public CNyrReportViewItem, public CNyrPlanPoint
 {
 public:
     struct Data
@@ -70,6 +72,9 @@ public:
     int OnCompareItem(const CNyrReportViewItem* other, unsigned int realCol) override;
     void OnGetItemColor(unsigned int realItem, unsigned int screenItem, unsigned int realCol, unsigned int screenCol,
                         unsigned int& textColor, unsigned int& backColor) override;
+    int OnGetPlanPosition(double& easting, double& northing) const override;
+    // The index into the project's code table.
+    unsigned int OnGetPlanCode() const override;
 
 private:
     const CSurveyProject* m_project;

@@ -22,6 +22,7 @@
 #include "nyrwidgets/time/time_format_combo_box.h"
 #include "nyrwidgets/values/unit_combo_box.h"
 #include "nyrwidgets/views/list_view_find_dialog.h"
+#include "nyrwidgets/views/plan_view.h"
 #include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
 #include "nyrwidgets/views/report_view_sort_multiple_dlg.h"
 
@@ -51,6 +52,7 @@ int CTourRunner::Run()
     StepOpen();
     StepUnits();
     StepSort();
+    StepPlan();
     StepFind();
     StepDelete();
     StepExport();
@@ -128,9 +130,42 @@ void CTourRunner::StepSort()
     Shot("sorted-by-code-and-distance");
 }
 
+void CTourRunner::StepPlan()
+{
+    Say("5. The plan beside the list: the benchmarks selected in the list show in it; a rubber band (Shift+drag) "
+        "around one of them selects its neighbours in the list");
+    CPointView& view = *m_window->View();
+    CNyrPlanView& plan = *m_window->Plan();
+    // Sorted by code, the list starts with the benchmarks.
+    std::vector<unsigned int> benchmarks;
+    for (int s = 0; s < view.GetItemCount() && Cell(s, ColCode) == "BM"; ++s)
+        benchmarks.push_back(static_cast<unsigned int>(view.RealItemFromScreen(s)));
+    view.SelectAllItems(0);
+    view.SelectRealItems(benchmarks, 1);
+    plan.ZoomToAll();
+    Check(!benchmarks.empty() && plan.RealItemsIn(QRectF(plan.rect())).size() ==
+                                     static_cast<std::size_t>(view.GetItemCount()),
+          "the plan shows every point of the list");
+    Shot("plan");
+    if (benchmarks.empty())
+        return;
+    const auto* first = static_cast<const CSurveyPoint*>(view.GetRealItem(benchmarks.front()));
+    const QPoint at = plan.PlaneToScreen(first->GetData().easting, first->GetData().northing).toPoint();
+    const QRect band(at - QPoint(60, 60), at + QPoint(60, 60));
+    QTest::mousePress(&plan, Qt::LeftButton, Qt::ShiftModifier, band.topLeft());
+    QTest::mouseMove(&plan, band.center());
+    QTest::mouseMove(&plan, band.bottomRight());
+    QTest::mouseRelease(&plan, Qt::LeftButton, Qt::ShiftModifier, band.bottomRight());
+    const std::size_t inside = plan.RealItemsIn(QRectF(band)).size();
+    Check(inside > 0 && static_cast<std::size_t>(view.GetSelectedCount()) == inside,
+          "the rubber band selects its points in the list");
+    plan.ZoomToSelection();
+    Shot("plan-selection");
+}
+
 void CTourRunner::StepFind()
 {
-    Say("5. Find (Ctrl+F) \"GNSS 61\", then the next match with F3");
+    Say("6. Find (Ctrl+F) \"GNSS 61\", then the next match with F3");
     CPointView& view = *m_window->View();
     Trigger(CMainWindow::ActFind);
     CNyrListViewFindDialog* dialog = view.GetFind().GetFindDialog();
@@ -151,7 +186,7 @@ void CTourRunner::StepFind()
 
 void CTourRunner::StepDelete()
 {
-    Say("6. Delete the point found: the question, answered Yes with \"Do not prompt in future\"; the next "
+    Say("7. Delete the point found: the question, answered Yes with \"Do not prompt in future\"; the next "
         "delete asks no more");
     CPointView& view = *m_window->View();
     const int before = view.GetItemCount();
@@ -183,7 +218,7 @@ void CTourRunner::StepDelete()
 
 void CTourRunner::StepExport()
 {
-    Say("7. File > Export...: the list as CSV and as tab-delimited text, read back");
+    Say("8. File > Export...: the list as CSV and as tab-delimited text, read back");
     const struct
     {
         const char* name;
@@ -216,7 +251,7 @@ void CTourRunner::StepExport()
 
 void CTourRunner::StepTools()
 {
-    Say("8. Tools: the time converter across the leap second, the angle and distance converter");
+    Say("9. Tools: the time converter across the leap second, the angle and distance converter");
     WhenModal("survey::CTimeConverter", [this](QDialog& d) {
         auto& converter = static_cast<CTimeConverter&>(d);
         converter.Field(CTimeConverter::FieldUtc)->setText("2016-12-31T23:59:59.500Z");
@@ -236,7 +271,7 @@ void CTourRunner::StepTools()
 
 void CTourRunner::StepGerman()
 {
-    Say("9. Settings > Language > Deutsch, then Help > About");
+    Say("10. Settings > Language > Deutsch, then Help > About");
     Trigger(CMainWindow::ActGerman);
     QStringList texts;
     for (const QAction* menu : m_window->menuBar()->actions())

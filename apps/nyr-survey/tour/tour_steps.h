@@ -33,6 +33,7 @@ private:
     void StepOpen();
     void StepUnits();
     void StepSort();
+    void StepPlan();
     void StepFind();
     void StepDelete();
     void StepExport();

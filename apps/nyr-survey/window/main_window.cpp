@@ -4,18 +4,21 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMimeData>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
 
 #include "apps/nyr-survey/app/language.h"
 #include "apps/nyr-survey/app/settings.h"
 #include "apps/nyr-survey/app/texts.h"
+#include "apps/nyr-survey/project/geodesy.h"
 #include "apps/nyr-survey/tools/about_dialog.h"
 #include "apps/nyr-survey/window/point_view.h"
 #include "apps/nyr-survey/window/unit_bar.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/frame/help_app.h"
 #include "nyrwidgets/frame/message_event.h"
+#include "nyrwidgets/views/plan_view.h"
 
 namespace survey {
 
@@ -28,12 +31,20 @@ constexpr long kStatusMask = CNyrReportView::NotifyItemDisplay | CNyrReportView:
 }  // namespace
 
 CMainWindow::CMainWindow(QWidget* parent)
-    : QMainWindow(parent), m_view(new CPointView(this)), m_unitBar(new CUnitBar(this, this)),
-      m_counts(new QLabel(this)), m_base(new QLabel(this)), m_statusTimer(new QTimer(this)),
-      m_titleId(TxtSampleProject)
+    : QMainWindow(parent), m_view(new CPointView(this)), m_plan(new CNyrPlanView(this)),
+      m_unitBar(new CUnitBar(this, this)), m_counts(new QLabel(this)), m_base(new QLabel(this)),
+      m_statusTimer(new QTimer(this)), m_titleId(TxtSampleProject)
 {
     setObjectName("MainWindow");
-    setCentralWidget(m_view);
+    auto* splitter = new QSplitter(this);
+    splitter->addWidget(m_view);
+    splitter->addWidget(m_plan);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    splitter->setSizes({740, 540});
+    setCentralWidget(splitter);
+    m_plan->SetReportView(m_view);
+    connect(m_view, &CPointView::ProjectChanged, this, &CMainWindow::SetUpPlan);
     addToolBar(m_unitBar);
     statusBar()->addPermanentWidget(m_base);
     statusBar()->addPermanentWidget(m_counts);
@@ -127,6 +138,20 @@ void CMainWindow::dropEvent(QDropEvent* e)
 void CMainWindow::ShowAbout()
 {
     CAboutDialog(this).exec();
+}
+
+void CMainWindow::SetUpPlan()
+{
+    // No blue: selected points are drawn in the highlight colour.
+    static const QColor colors[] = {QColor(200, 30, 30), QColor(20, 150, 60), QColor(220, 130, 0),
+                                    QColor(140, 60, 170), QColor(120, 80, 40), QColor(70, 70, 70)};
+    const CSurveyProject& project = m_view->Project();
+    for (uint32_t code = 0; code < project.CodeCount(); ++code)
+        m_plan->SetSymbol(code, static_cast<CNyrPlanView::eSymbolShape>(code % 6), colors[(code / 6 + code) % 6]);
+    m_plan->SetProjection([zone = project.UtmZone(), north = project.UtmNorth()](double e, double n, double& lat,
+                                                                                double& lon) {
+        return UtmToLatLon(UtmPosition{zone, north, e, n}, lat, lon);
+    });
 }
 
 void CMainWindow::ShowError(const std::string& text)

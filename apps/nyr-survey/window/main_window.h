@@ -6,6 +6,7 @@
 
 #include "apps/nyr-survey/project/survey_project.h"
 
+class CNyrPlanView;
 class QAction;
 class QLabel;
 class QMenu;
@@ -16,8 +17,8 @@ namespace survey {
 class CPointView;
 class CUnitBar;
 
-// The application's main window: the point list in the middle, the unit
-// tool bar above, counts and the base point in the status bar, and menus
+// The application's main window: the point list and beside it the plan of
+// the points (a CNyrPlanView in step with the list), the unit tool bar above, counts and the base point in the status bar, and menus
 // that reach every command of the list. It accepts points files dropped on
 // it.
 //
@@ -59,6 +60,7 @@ public:
     bool ChangeLanguage(int language);
 
     CPointView* View() const { return m_view; }
+    CNyrPlanView* Plan() const { return m_plan; }
     CUnitBar* UnitBar() const { return m_unitBar; }
     QAction* Action(eAction action) const { return m_actions[action]; }
     const QString& FilePath() const { return m_path; }
@@ -83,8 +85,11 @@ private:
     void UpdateStatus();
     QString AskFileName(bool save);
     void ShowError(const std::string& text);
+    // One symbol per code of the project, and the projection of its UTM zone.
+    void SetUpPlan();
 
     CPointView* m_view;
+    CNyrPlanView* m_plan;
     CUnitBar* m_unitBar;
     std::array<QAction*, ActCount> m_actions{};
     std::array<QMenu*, 7> m_menus{};  // File, Edit, View, Tools, Settings, Language, Help
