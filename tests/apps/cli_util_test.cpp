@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
 
 #include "cli_test_p.h"
 
@@ -41,6 +44,39 @@ TEST(CliUtil, IniGetsSetsAndReadsVectorsKeepingTheRestOfTheFile)
          {std::vector<std::string>{"ini"}, {"ini", "get", "A"}, {"ini", "set", "A", "x"}, {"ini", "del", "A", "x"},
           {"ini", "vector", "A", "x", "--default", "1"}, {"ini", "get", "A", "x", "--bogus"}})
         EXPECT_EQ(Nyr(bad).exitCode, 2) << bad.size();
+}
+
+TEST(CliUtil, IniSaysWhyAFileCannotBeUsedAndLeavesItAsItWas)
+{
+    TempDir dir;
+    const std::string locked = dir.File("w.ini"), readOnly = dir.File("ro.ini"), large = dir.File("large.ini");
+    for (const std::string& file : {locked, readOnly, large})
+        WriteFile(file, "[S]\nA=1\n");
+    chmod(readOnly.c_str(), 0444);
+    std::filesystem::resize_file(large, (64 << 20) + 1);
+    nyr::test::LockHolder holder(locked);  // another program in the middle of a write
+    ASSERT_TRUE(holder.Holding());
+    const struct
+    {
+        std::vector<std::string> args;
+        std::string reason;
+    } cases[] = {
+        {{"ini", "set", "--file", locked, "S", "B", "2"}, "is locked by another program"},
+        {{"ini", "set", "--file", readOnly, "S", "A", "2"}, "is read-only"},
+        {{"ini", "get", "--file", large, "S", "A"}, "is too large"},
+        {{"ini", "get", "--file", large, "S", "A", "--default", "0"}, "is too large"},
+        {{"ini", "set", "--file", large, "S", "A", "2"}, "is too large"},
+        {{"ini", "get", "--file", dir.Path(), "S", "A"}, "is not a regular file"},
+    };
+    for (const auto& c : cases) {
+        const auto r = Nyr(c.args);
+        EXPECT_EQ(r.exitCode, 1) << c.args[1] << " " << c.args[3];
+        EXPECT_NE(r.err.find(c.reason), std::string::npos) << r.err;
+        EXPECT_FALSE(r.timedOut);
+    }
+    EXPECT_EQ(ReadFile(locked), "[S]\nA=1\n");
+    EXPECT_EQ(ReadFile(readOnly), "[S]\nA=1\n");
+    EXPECT_EQ(std::filesystem::file_size(large), (64u << 20) + 1);
 }
 
 TEST(CliUtil, Base64EncodesAndDecodesFilesAndStandardInput)
