@@ -1,8 +1,9 @@
 #include "nyr/frame/notifications.h"
 
-#include <cctype>
 #include <mutex>
 #include <unordered_map>
+
+#include "nyr/platform/ascii_p.h"
 
 namespace {
 
@@ -19,12 +20,10 @@ Registry& TheRegistry()
     return registry;
 }
 
+// Names compare without regard to ASCII case, whatever the host's locale.
 std::string Key(const char* name)
 {
-    std::string key(name);
-    for (char& c : key)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return key;
+    return nyr::ascii::ToUpper(name);
 }
 
 constexpr unsigned int kLastRegisteredMessage = 0xFFFF;

@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <strings.h>
 
 #include "nyr/frame/version_check.h"
+#include "nyr/platform/ascii_p.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ public:
     bool Query(const std::string& fileName, VS_FIXEDFILEINFO& info, unsigned long& errorCode) override
     {
         for (const Counterpart& c : kCounterparts) {
-            if (strcasecmp(c.windowsName, fileName.c_str()) == 0)
+            if (nyr::ascii::EqualsNoCase(c.windowsName, fileName))
                 return Read(c, info, errorCode);
         }
         errorCode = ENOENT;

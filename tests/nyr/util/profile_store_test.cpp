@@ -19,6 +19,7 @@
 
 #include "nyr/util/profile_entries.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/turkish_locale.h"
 
 namespace {
 
@@ -71,6 +72,20 @@ TEST(ProfileStore, IntegersReadAsThePlatformReadsThemEmptyGivesTheDefaultAndValu
     };
     for (const auto& c : cases)
         EXPECT_EQ(P::ReadProfileInt(file, "I", c.entry, 77), c.expected) << c.entry;
+}
+
+TEST(ProfileStore, NamesFoldOnlyAsciiCaseWhateverTheLocale)
+{
+    const nyr::test::ScopedTurkishLocale turkish;
+    NYR_REQUIRE_TURKISH_LOCALE(turkish);
+    TempDir dir;
+    const std::string file = dir.File("tr.ini");
+    WriteFile(file, "[Window]\nIndex=1\n");
+    for (const auto& [section, entry] : {std::pair{"WINDOW", "INDEX"}, {"window", "index"}, {"wINDOw", "iNDEX"}})
+        EXPECT_EQ(P::ReadProfileInt(file, section, entry, 0), 1u) << section << "/" << entry;
+    EXPECT_EQ(P::ReadProfileInt(file, "W\xC4\xB0NDOW", "INDEX", 0), 0u);  // dotted capital I: another name
+    ASSERT_EQ(P::WriteProfileInt(file, "WINDOW", "INDEX", 2), 1);
+    EXPECT_EQ(ReadFile(file), "[Window]\nIndex=2\n");
 }
 
 // Every way this test reaches one file.
