@@ -1,4 +1,8 @@
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <link.h>
+
+#include <filesystem>
 
 #include "cli_test_p.h"
 
@@ -39,6 +43,32 @@ TEST(CliFrame, RequirementsPassOnThisSystem)
 {
     const auto r = Nyr({"requirements"});
     EXPECT_EQ(r.exitCode, 0) << r.out;
+    EXPECT_EQ(r.out, "result 0\nAll requirements are met.\n");
+}
+
+// The file the dynamic loader finds for `soname`, links resolved; "" when none.
+std::string LoadedFile(const char* soname)
+{
+    void* handle = dlopen(soname, RTLD_LAZY | RTLD_NODELETE);
+    link_map* map = nullptr;
+    if (!handle || dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0 || !map)
+        return {};
+    return std::filesystem::canonical(map->l_name).string();
+}
+
+TEST(CliFrame, RequirementsReadQtsOwnVersionWhenItShipsUnderItsSonameAlone)
+{
+    // As application bundles ship Qt: libQt6Widgets.so.6 is the library
+    // itself, with no version in its name.
+    nyr::test::TempDir bundle;
+    for (const char* soname : {"libQt6Core.so.6", "libQt6Gui.so.6", "libQt6Widgets.so.6"}) {
+        const std::string file = LoadedFile(soname);
+        if (file.empty())
+            GTEST_SKIP() << "Qt 6 is not installed";
+        std::filesystem::copy_file(file, bundle.File(soname));
+    }
+    const auto r = nyr::test::RunProcess({"/usr/bin/env", "LD_LIBRARY_PATH=" + bundle.Path(), NYR_TOOL, "requirements"});
+    EXPECT_EQ(r.exitCode, 0) << r.out << r.err;
     EXPECT_EQ(r.out, "result 0\nAll requirements are met.\n");
 }
 
