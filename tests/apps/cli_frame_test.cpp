@@ -1,6 +1,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <link.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -22,6 +23,28 @@ TEST(CliFrame, TextPrintsTheTableOrTheLanguageModule)
     EXPECT_EQ(Nyr({"text", "abc"}).exitCode, 2);
     EXPECT_EQ(Nyr({"text"}).exitCode, 2);
     EXPECT_EQ(Nyr({"text", "--language", "/nonexistent/x.lang", "1"}).exitCode, 1);
+}
+
+TEST(CliFrame, TextReadsOnlyRegularLanguageModulesOfBoundedSize)
+{
+    nyr::test::TempDir dir;
+    nyr::test::WriteFile(dir.File("huge.lang"), std::string((4 << 20) + 1, '#'));
+    ASSERT_EQ(mkfifo(dir.File("fifo.lang").c_str(), 0600), 0);  // no writer: opening must not wait
+    const struct
+    {
+        std::string file;
+        const char* reason;
+    } cases[] = {
+        {"/dev/zero", "not a regular file"},
+        {dir.File("fifo.lang"), "not a regular file"},
+        {dir.Path(), "not a regular file"},
+        {dir.File("huge.lang"), "larger than 4194304 bytes"},
+    };
+    for (const auto& c : cases) {
+        const auto r = nyr::test::RunProcess({NYR_TOOL, "text", "--language", c.file, "26000"}, {}, 60);
+        EXPECT_EQ(r.exitCode, 1) << c.file << (r.timedOut ? ": timed out" : "");
+        EXPECT_NE(r.err.find(c.reason), std::string::npos) << r.err;
+    }
 }
 
 TEST(CliFrame, DumpIsALanguageModuleOfTheWholeTable)
