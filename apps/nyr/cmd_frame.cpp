@@ -40,7 +40,7 @@ int RunText(std::vector<std::string>& args, std::ostream& out, std::ostream& err
         return kSuccess;
     }
     long id = 0;
-    if (!ParseLong(args[0], id) || id < 0 || id > 0xFFFFFFFFL)
+    if (!ParseLongInRange(args[0], 0, 0xFFFFFFFFL, id))
         return UsageError(kText, err, "not a text number: " + args[0]);
     std::string text;
     if (!NyrGetNyrResourceHandle()->LoadString(static_cast<unsigned>(id), text)) {
