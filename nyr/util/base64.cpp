@@ -7,12 +7,15 @@
 #endif
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <new>
+
+#include "nyr/platform/file_read.h"
 
 namespace {
 
@@ -197,41 +200,119 @@ std::string NyrEncodeBase64(const unsigned char* data, unsigned long length, uns
 
 std::string NyrEncodeBase64(const std::string& path)
 {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int fd = NyrOpenRegularFile(path);
     if (fd < 0)
         return {};
-    std::string content;
-    struct stat st{};
-    // Only regular files: a FIFO or device could block or never end.
-    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-    if (ok) {
-        try {
-            content.resize(static_cast<size_t>(st.st_size));
-            size_t have = 0;
-            for (;;) {
-                if (have == content.size())
-                    content.resize(have + 65536);  // the file grew since fstat
-                const ssize_t n = read(fd, content.data() + have, content.size() - have);
-                if (n < 0 && errno == EINTR)
-                    continue;
-                if (n < 0) {
-                    ok = false;
-                    break;
-                }
-                if (n == 0)
-                    break;
-                have += static_cast<size_t>(n);
+    std::string text;
+    bool ok = true;
+    try {
+        struct stat st{};
+        ok = fstat(fd, &st) == 0 && static_cast<unsigned long long>(st.st_size) <= kNyrMaxBase64FileSize;
+        if (ok)
+            text.reserve(static_cast<size_t>(st.st_size) / 57 * 78 + 80);
+        CNyrBase64Encoder encoder(76);
+        std::array<unsigned char, 65535> piece;  // whole groups of three
+        size_t total = 0;
+        while (ok) {
+            const ssize_t n = read(fd, piece.data(), piece.size());
+            if (n < 0 && errno == EINTR)
+                continue;
+            total += n > 0 ? static_cast<size_t>(n) : 0;
+            // The size is checked as the bytes come: the file may grow while it is read.
+            if (n < 0 || total > kNyrMaxBase64FileSize) {
+                ok = false;
+                break;
             }
-            content.resize(have);
-        } catch (const std::bad_alloc&) {
-            ok = false;
+            if (n == 0)
+                break;
+            encoder.Add(piece.data(), static_cast<size_t>(n), text);
         }
+        // An empty file still encodes as "A===".
+        encoder.Finish(text);
+    } catch (const std::bad_alloc&) {
+        ok = false;
     }
     close(fd);
-    if (!ok)
-        return {};
-    // An empty file still has a (non-null) buffer and encodes as "A===".
-    return NyrEncodeBase64(reinterpret_cast<const unsigned char*>(content.data()), content.size(), 76);
+    return ok ? text : std::string();
+}
+
+CNyrBase64Encoder::CNyrBase64Encoder(unsigned lineLength) : m_lineLength(lineLength) {}
+
+void CNyrBase64Encoder::Put(const char* chars, size_t count, std::string& out)
+{
+    m_written += count;
+    if (m_lineLength == 0) {
+        out.append(chars, count);
+        return;
+    }
+    while (count > 0) {
+        const size_t take = std::min(count, m_lineLength - m_column);
+        out.append(chars, take);
+        chars += take;
+        count -= take;
+        m_column += take;
+        if (m_column == m_lineLength) {
+            out.append("\r\n");
+            m_written += 2;
+            m_column = 0;
+        }
+    }
+}
+
+void CNyrBase64Encoder::Add(const unsigned char* data, size_t length, std::string& out)
+{
+    char chars[4 * 1024];
+    while (m_carried > 0 && m_carried < 3 && length > 0) {
+        if (m_carried == 2) {
+            const unsigned char group[3] = {m_carry[0], m_carry[1], *data++};
+            --length;
+            EncodeGroups(group, 1, chars);
+            Put(chars, 4, out);
+            m_carried = 0;
+        } else {
+            m_carry[m_carried++] = *data++;
+            --length;
+        }
+    }
+    while (length >= 3) {
+        const size_t groups = std::min(length / 3, sizeof chars / 4);
+        EncodeGroups(data, groups, chars);
+        Put(chars, groups * 4, out);
+        data += groups * 3;
+        length -= groups * 3;
+    }
+    for (; length > 0; --length)
+        m_carry[m_carried++] = *data++;
+}
+
+void CNyrBase64Encoder::Finish(std::string& out)
+{
+    char tail[3];
+    Put(tail, EncodeTail(m_carry, m_carried, tail), out);
+    // Padding counts the line breaks too (intended): see NyrEncodeBase64.
+    out.append((4 - m_written % 4) % 4, '=');
+    m_carried = 0;
+    m_column = 0;
+    m_written = 0;
+}
+
+bool CNyrBase64Decoder::Add(const char* text, size_t length, std::string& out)
+{
+    const auto& table = kDecode.v;
+    for (size_t i = 0; i < length && !m_ended; ++i) {
+        const unsigned v = table[static_cast<unsigned char>(text[i])];
+        if (v == kStop) {
+            m_ended = true;
+        } else if (v == kBreak) {
+            m_position = 0;
+        } else if (v != kSkip) {
+            if (m_position > 0)
+                out += static_cast<char>(m_held << (2 * m_position) | v >> (6 - 2 * m_position));
+            m_held = v;
+            m_position = (m_position + 1) & 3;
+        }
+    }
+    return !m_ended;
 }
 
 unsigned long NyrDecodeBase64(unsigned char* text)

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -100,9 +101,55 @@ TEST(CliUtil, Base64EncodesAndDecodesFilesAndStandardInput)
 
     EXPECT_EQ(Nyr({"base64", "encode", dir.File("missing")}).exitCode, 1);
     EXPECT_EQ(Nyr({"base64", "decode", dir.Path()}).exitCode, 1);
+    for (const char* endless : {"/dev/zero", "/dev/urandom"}) {
+        const auto refused = nyr::test::RunProcess({NYR_TOOL, "base64", "encode", endless}, {}, 60);
+        EXPECT_EQ(refused.exitCode, 1) << endless;
+        EXPECT_NE(refused.err.find("not a regular file"), std::string::npos) << refused.err;
+    }
     EXPECT_EQ(Nyr({"base64", "encode", "--line", "-1"}).exitCode, 2);
     EXPECT_EQ(Nyr({"base64", "decode", "--line", "4"}).exitCode, 2);
     EXPECT_EQ(Nyr({"base64", "recode"}).exitCode, 2);
+}
+
+// Runs the tool with its standard output going to `output` and returns its
+// peak resident memory in KiB (-1 when it failed). A fresh Python starts it,
+// so that the peak is the tool's own and not this test's memory, which a
+// child shares until it runs the tool.
+long PeakKb(const std::vector<std::string>& args, const std::string& output)
+{
+    std::vector<std::string> argv = {"/usr/bin/python3", "-c",
+                                     "import resource, subprocess, sys\n"
+                                     "with open(sys.argv[1], 'wb') as out:\n"
+                                     "    code = subprocess.run(sys.argv[2:], stdout=out).returncode\n"
+                                     "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss if code == 0 else -1)\n",
+                                     output, NYR_TOOL};
+    argv.insert(argv.end(), args.begin(), args.end());
+    const auto r = nyr::test::RunProcess(argv);
+    return r.exitCode == 0 ? std::stol(r.out) : -1;
+}
+
+TEST(CliUtil, Base64OfALargeFileRunsInFlatMemory)
+{
+    // 64 MiB in, 87 MB out: memory must stay far below either.
+    constexpr long kFlatKb = 48 * 1024;
+    TempDir dir;
+    const std::string large = dir.File("large.bin"), text = dir.File("large.b64"), back = dir.File("back.bin");
+    WriteFile(large, "");
+    ASSERT_EQ(truncate(large.c_str(), 64 << 20), 0);
+
+    long peak = PeakKb({"base64", "encode", "--line", "0", large}, text);
+    EXPECT_GT(peak, 0);
+    EXPECT_LT(peak, kFlatKb) << "encoding held the file or its text in memory";
+    const std::string encoded = ReadFile(text);
+    EXPECT_EQ(encoded.size(), ((64u << 20) / 3 + 1) * 4 + 1);  // + the extra zero byte, padding and "\n"
+    EXPECT_EQ(encoded.find_first_not_of('A'), (64u << 20) / 3 * 4 + 2);  // 1 byte left: "AA" and "=="
+
+    peak = PeakKb({"base64", "decode", text}, back);
+    EXPECT_GT(peak, 0);
+    EXPECT_LT(peak, kFlatKb) << "decoding held the text or its bytes in memory";
+    const std::string decoded = ReadFile(back);
+    EXPECT_EQ(decoded.size(), 64u << 20);
+    EXPECT_EQ(decoded.find_first_not_of('\0'), std::string::npos);
 }
 
 }  // namespace

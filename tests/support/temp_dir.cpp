@@ -50,7 +50,6 @@ void WriteFile(const std::string& path, const std::string& content)
 #include <poll.h>
 #include <spawn.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -134,10 +133,8 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string
         if (fd >= 0)
             close(fd);
     int status = 0;
-    rusage usage{};
-    wait4(pid, &status, 0, &usage);
+    waitpid(pid, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.maxRssKb = usage.ru_maxrss;
     return result;
 }
 

@@ -37,7 +37,6 @@ struct ProcessResult
     std::string out;
     std::string err;
     bool timedOut = false;  // killed for running longer than allowed
-    long maxRssKb = 0;      // the process's peak resident memory
 };
 
 // Runs a program with an argument vector (no shell), feeding `input` to its
