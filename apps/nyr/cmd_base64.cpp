@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <climits>
 #include <iostream>
+#include <vector>
 
 #include "command.h"
 #include "nyr/platform/file_read.h"
@@ -63,28 +64,28 @@ int RunBase64(std::vector<std::string>& args, std::ostream& out, std::ostream& e
         return UsageError(kBase64, err, "--line takes 0 to " + std::to_string(UINT_MAX) + ": " + *line);
 
     const std::string name = args.size() == 2 ? args[1] : "-";
-    std::string text, problem;
+    std::string problem;
     char last = '\n';
-    const auto emit = [&] {
-        if (!text.empty())
-            last = text.back();
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        text.clear();
-        return true;
+    const auto emit = [&](const char* text, std::size_t n) {
+        if (n > 0)
+            last = text[n - 1];
+        out.write(text, static_cast<std::streamsize>(n));
     };
+    std::vector<char> text;
     bool read = false;
     if (encode) {
         CNyrBase64Encoder encoder(static_cast<unsigned>(lineLength));
         read = ForEachPiece(
             name,
             [&](const char* piece, std::size_t n) {
-                encoder.Add(reinterpret_cast<const unsigned char*>(piece), n, text);
-                return emit();
+                text.resize(encoder.MaxText(n));
+                emit(text.data(), encoder.Add(reinterpret_cast<const unsigned char*>(piece), n, text.data()));
+                return true;
             },
             problem);
         if (read) {
-            encoder.Finish(text);
-            emit();
+            text.resize(encoder.MaxText(0));
+            emit(text.data(), encoder.Finish(text.data()));
             if (last != '\n')
                 out << "\n";
         }
@@ -94,9 +95,9 @@ int RunBase64(std::vector<std::string>& args, std::ostream& out, std::ostream& e
         read = ForEachPiece(
             name,
             [&](const char* piece, std::size_t n) {
-                const bool more = decoder.Add(piece, n, text);
-                emit();
-                return more;
+                text.resize(n);
+                emit(text.data(), decoder.Add(piece, n, reinterpret_cast<unsigned char*>(text.data())));
+                return !decoder.Ended();
             },
             problem);
     }

@@ -204,14 +204,13 @@ std::string NyrEncodeBase64(const std::string& path)
     if (fd < 0)
         return {};
     std::string text;
-    bool ok = true;
+    struct stat st{};
+    bool ok = fstat(fd, &st) == 0 && static_cast<unsigned long long>(st.st_size) <= kNyrMaxBase64FileSize;
     try {
-        struct stat st{};
-        ok = fstat(fd, &st) == 0 && static_cast<unsigned long long>(st.st_size) <= kNyrMaxBase64FileSize;
-        if (ok)
-            text.reserve(static_cast<size_t>(st.st_size) / 57 * 78 + 80);
         CNyrBase64Encoder encoder(76);
         std::array<unsigned char, 65535> piece;  // whole groups of three
+        if (ok)
+            text.reserve(encoder.MaxText(static_cast<size_t>(st.st_size)));
         size_t total = 0;
         while (ok) {
             const ssize_t n = read(fd, piece.data(), piece.size());
@@ -219,16 +218,16 @@ std::string NyrEncodeBase64(const std::string& path)
                 continue;
             total += n > 0 ? static_cast<size_t>(n) : 0;
             // The size is checked as the bytes come: the file may grow while it is read.
-            if (n < 0 || total > kNyrMaxBase64FileSize) {
-                ok = false;
+            ok = n >= 0 && total <= kNyrMaxBase64FileSize;
+            // An empty file still encodes as "A===".
+            const size_t have = text.size();
+            text.resize(have + encoder.MaxText(n > 0 ? static_cast<size_t>(n) : 0));
+            const size_t written = n > 0 ? encoder.Add(piece.data(), static_cast<size_t>(n), text.data() + have)
+                                         : encoder.Finish(text.data() + have);
+            text.resize(have + written);
+            if (n <= 0)
                 break;
-            }
-            if (n == 0)
-                break;
-            encoder.Add(piece.data(), static_cast<size_t>(n), text);
         }
-        // An empty file still encodes as "A===".
-        encoder.Finish(text);
     } catch (const std::bad_alloc&) {
         ok = false;
     }
@@ -238,67 +237,87 @@ std::string NyrEncodeBase64(const std::string& path)
 
 CNyrBase64Encoder::CNyrBase64Encoder(unsigned lineLength) : m_lineLength(lineLength) {}
 
-void CNyrBase64Encoder::Put(const char* chars, size_t count, std::string& out)
+size_t CNyrBase64Encoder::MaxText(size_t length) const
+{
+    // Whole groups with the two bytes carried, the tail and its padding.
+    const size_t chars = (length + 2) / 3 * 4 + 6;
+    return m_lineLength ? chars + 2 * (chars / m_lineLength + 1) : chars;
+}
+
+size_t CNyrBase64Encoder::Put(const char* chars, size_t count, char* out)
 {
     m_written += count;
     if (m_lineLength == 0) {
-        out.append(chars, count);
-        return;
+        std::memcpy(out, chars, count);
+        return count;
     }
+    char* const start = out;
     while (count > 0) {
         const size_t take = std::min(count, m_lineLength - m_column);
-        out.append(chars, take);
+        std::memcpy(out, chars, take);
+        out += take;
         chars += take;
         count -= take;
         m_column += take;
         if (m_column == m_lineLength) {
-            out.append("\r\n");
+            *out++ = '\r';
+            *out++ = '\n';
             m_written += 2;
             m_column = 0;
         }
     }
+    return static_cast<size_t>(out - start);
 }
 
-void CNyrBase64Encoder::Add(const unsigned char* data, size_t length, std::string& out)
+size_t CNyrBase64Encoder::Add(const unsigned char* data, size_t length, char* out)
 {
+    char* const start = out;
     char chars[4 * 1024];
-    while (m_carried > 0 && m_carried < 3 && length > 0) {
-        if (m_carried == 2) {
-            const unsigned char group[3] = {m_carry[0], m_carry[1], *data++};
-            --length;
-            EncodeGroups(group, 1, chars);
-            Put(chars, 4, out);
-            m_carried = 0;
-        } else {
-            m_carry[m_carried++] = *data++;
-            --length;
+    if (m_carried > 0) {
+        // The bytes carried from the last piece open the first group.
+        unsigned char group[3] = {m_carry[0], m_carry[1], 0};
+        size_t have = m_carried;
+        for (; have < 3 && length > 0; --length)
+            group[have++] = *data++;
+        if (have < 3) {
+            std::memcpy(m_carry, group, have);
+            m_carried = have;
+            return 0;
         }
+        EncodeGroups(group, 1, chars);
+        out += Put(chars, 4, out);
+        m_carried = 0;
     }
     while (length >= 3) {
         const size_t groups = std::min(length / 3, sizeof chars / 4);
         EncodeGroups(data, groups, chars);
-        Put(chars, groups * 4, out);
+        out += Put(chars, groups * 4, out);
         data += groups * 3;
         length -= groups * 3;
     }
     for (; length > 0; --length)
         m_carry[m_carried++] = *data++;
+    return static_cast<size_t>(out - start);
 }
 
-void CNyrBase64Encoder::Finish(std::string& out)
+size_t CNyrBase64Encoder::Finish(char* out)
 {
     char tail[3];
-    Put(tail, EncodeTail(m_carry, m_carried, tail), out);
+    size_t written = Put(tail, EncodeTail(m_carry, m_carried, tail), out);
     // Padding counts the line breaks too (intended): see NyrEncodeBase64.
-    out.append((4 - m_written % 4) % 4, '=');
+    const size_t padding = static_cast<size_t>((4 - m_written % 4) % 4);
+    std::memset(out + written, '=', padding);
+    written += padding;
     m_carried = 0;
     m_column = 0;
     m_written = 0;
+    return written;
 }
 
-bool CNyrBase64Decoder::Add(const char* text, size_t length, std::string& out)
+size_t CNyrBase64Decoder::Add(const char* text, size_t length, unsigned char* out)
 {
     const auto& table = kDecode.v;
+    unsigned char* const start = out;
     for (size_t i = 0; i < length && !m_ended; ++i) {
         const unsigned v = table[static_cast<unsigned char>(text[i])];
         if (v == kStop) {
@@ -307,12 +326,12 @@ bool CNyrBase64Decoder::Add(const char* text, size_t length, std::string& out)
             m_position = 0;
         } else if (v != kSkip) {
             if (m_position > 0)
-                out += static_cast<char>(m_held << (2 * m_position) | v >> (6 - 2 * m_position));
+                *out++ = static_cast<unsigned char>(m_held << (2 * m_position) | v >> (6 - 2 * m_position));
             m_held = v;
             m_position = (m_position + 1) & 3;
         }
     }
-    return !m_ended;
+    return static_cast<size_t>(out - start);
 }
 
 unsigned long NyrDecodeBase64(unsigned char* text)
