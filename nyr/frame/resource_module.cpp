@@ -97,20 +97,21 @@ bool ParseLine(std::string_view line, std::size_t first, unsigned& id, std::stri
     return ParseQuoted(line, pos, value, reason);
 }
 
-// A text must take exactly the arguments the library passes with it: the
-// conversions of the built-in text, each as written, in the same order. A
-// text the library has no built-in for may hold known conversions only.
+// A text that replaces a built-in one must take exactly the arguments the
+// library passes with it: the conversions of the built-in text, each as
+// written, in the same order. Texts of other numbers are the host's (time
+// patterns, its own messages) and are taken as they are.
 bool CheckConversions(unsigned id, const std::string& value, std::string& reason)
 {
+    const char* builtin = FindBuiltin(id);
+    if (!builtin)
+        return true;
     std::vector<std::string> have, want;
     if (!NyrFormatConversions(value, have)) {
         reason = "an unknown or incomplete conversion after \"" + (have.empty() ? std::string() : have.back()) +
                  "\" (write %% for a percent sign)";
         return false;
     }
-    const char* builtin = FindBuiltin(id);
-    if (!builtin)
-        return true;
     NyrFormatConversions(builtin, want);
     if (have == want)
         return true;
@@ -230,13 +231,19 @@ bool CNyrResourceModule::LoadString(unsigned id, std::string& text) const
 
 void CNyrResourceModule::SetString(unsigned id, std::string text)
 {
-    if (m_builtin) {
-        // The built-in table is read-only; copy its entries on first change.
-        for (const auto& entry : NyrBuiltinTexts())
-            m_texts.emplace(entry.id, entry.text);
-        m_builtin = false;
+    try {
+        if (m_builtin) {
+            // The built-in table is read-only; copy its entries on first change.
+            std::map<unsigned, std::string> copy;
+            for (const auto& entry : NyrBuiltinTexts())
+                copy.emplace(entry.id, entry.text);
+            m_texts = std::move(copy);
+            m_builtin = false;
+        }
+        m_texts[id] = std::move(text);
+    } catch (const std::bad_alloc&) {
+        // Out of memory: the module stays as it was.
     }
-    m_texts[id] = std::move(text);
 }
 
 std::size_t CNyrResourceModule::Size() const
@@ -250,7 +257,7 @@ const std::string& CNyrResourceModule::Name() const
 }
 
 std::string CNyrResourceModule::ToText() const
-{
+try {
     std::string out;
     auto write = [&out](unsigned id, const std::string& text) {
         out += std::to_string(id);
@@ -266,6 +273,8 @@ std::string CNyrResourceModule::ToText() const
             write(id, text);
     }
     return out;
+} catch (const std::bad_alloc&) {
+    return {};
 }
 
 void NyrSetNyrResourceHandle(NyrResourceHandle module)

@@ -20,10 +20,11 @@
 // A text that replaces a built-in one must keep its conversions exactly as
 // written and in order ("%d.%d" stays two %d; not %ld, not %5d), so a
 // translation can never take arguments the library does not pass; "%%" is a
-// percent sign. Refused, whole module: a line that breaks these rules, a
-// conversion printf does not know or that is cut off ("100%", "%z", "%.66"),
-// a zero byte anywhere. Files are read up to kMaxFileSize bytes, regular
-// files only.
+// percent sign; a conversion printf does not know or that is cut off
+// ("100%", "%z", "%.66") is refused. Texts of numbers the library does not
+// use are the host's (time patterns, its own messages) and taken as they
+// are. A zero byte anywhere refuses the module. Files are read up to
+// kMaxFileSize bytes, regular files only; a module is loaded whole or not.
 class NYR_EXPORT CNyrResourceModule
 {
 public:
@@ -58,7 +59,8 @@ public:
     std::size_t Size() const;
     const std::string& Name() const;
 
-    // Every entry in number order, written in the file format above.
+    // Every entry in number order, written in the file format above (empty
+    // when memory runs out).
     std::string ToText() const;
 
 private:
