@@ -10,7 +10,8 @@ nyr_packages() {
   local common="build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libssl-dev tzdata"
   case "$1" in
     main)  echo "$common" ;;
-    test)  echo "$common libgtest-dev libgmock-dev libssl-dev python3 python3-aiosmtpd xdg-utils" ;;
+    test)  echo "$common libgtest-dev libgmock-dev libssl-dev python3 python3-aiosmtpd xdg-utils locales" ;;
+    fuzz)  echo "$common clang libclang-rt-14-dev" ;;
     bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas clang postfix" ;;
   esac
 }

@@ -25,6 +25,12 @@ int RunText(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     if (dump ? !args.empty() : args.size() != 1)
         return UsageError(kText, err, dump ? "--dump takes no text number" : "expected one text number");
 
+    // The module is current for this command only: it dies with it.
+    struct Restore
+    {
+        NyrResourceHandle previous = NyrGetNyrResourceHandle();
+        ~Restore() { NyrSetNyrResourceHandle(previous); }
+    } restore;
     std::unique_ptr<CNyrResourceModule> module;
     if (language) {
         std::string problem;

@@ -166,6 +166,12 @@ int RunTime(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     const auto settings = TakeOption(args, "--settings", missing);
     if (missing)
         return UsageError(kTime, err, "--settings needs a file");
+    // The settings file is this command's only.
+    struct Restore
+    {
+        std::string previous = NyrGetProfilePath();
+        ~Restore() { NyrSetProfilePath(previous); }
+    } restore;
     if (settings)
         NyrSetProfilePath(*settings);
     if (const auto unknown = FirstUnknownOption(args);

@@ -20,6 +20,11 @@ struct Command
     int (*run)(std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 };
 
+// Runs the tool's command line without the program name (argv[1] on):
+// dispatches to the command, prints to `out` and `err`, returns the exit
+// status. Never throws. Callable in process (the argument fuzz target does).
+int Run(std::vector<std::string> args, std::ostream& out, std::ostream& err);
+
 // Registration happens during static initialisation; see NYR_REGISTER_COMMAND.
 bool RegisterCommand(const Command& command);
 const std::vector<Command>& Commands();
