@@ -2,11 +2,20 @@
 
 #include <cstdio>
 
-#include "nyr/platform/ascii_p.h"
-
 namespace {
 
-using nyr::ascii::EqualsNoCase;
+bool EqualNoCase(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const char x = a[i] >= 'a' && a[i] <= 'z' ? static_cast<char>(a[i] - 32) : a[i];
+        const char y = b[i] >= 'a' && b[i] <= 'z' ? static_cast<char>(b[i] - 32) : b[i];
+        if (x != y)
+            return false;
+    }
+    return true;
+}
 
 // The next blank-separated word of `text` from `pos`, moving `pos` past it.
 std::string_view NextWord(std::string_view text, std::size_t& pos)
@@ -63,17 +72,17 @@ CNyrSmtpExtensions NyrSmtpExtensions(std::string_view reply)
         std::size_t pos = 0;
         std::string_view keyword = NextWord(line, pos);
         std::string_view rest = line.substr(pos);
-        if (keyword.size() > 5 && EqualsNoCase(keyword.substr(0, 5), "AUTH=")) {
+        if (keyword.size() > 5 && EqualNoCase(keyword.substr(0, 5), "AUTH=")) {
             rest = line.substr(5);
             keyword = "AUTH";
         }
-        if (EqualsNoCase(keyword, "STARTTLS")) {
+        if (EqualNoCase(keyword, "STARTTLS")) {
             found.startTls = true;
-        } else if (EqualsNoCase(keyword, "AUTH")) {
+        } else if (EqualNoCase(keyword, "AUTH")) {
             std::size_t at = 0;
             for (std::string_view word = NextWord(rest, at); !word.empty(); word = NextWord(rest, at)) {
-                found.authPlain |= EqualsNoCase(word, "PLAIN");
-                found.authLogin |= EqualsNoCase(word, "LOGIN");
+                found.authPlain |= EqualNoCase(word, "PLAIN");
+                found.authLogin |= EqualNoCase(word, "LOGIN");
             }
         }
     }

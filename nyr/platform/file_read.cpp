@@ -1,7 +1,6 @@
 #include "nyr/platform/file_read.h"
 
 #include <cerrno>
-#include <new>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,52 +37,45 @@ int NyrOpenRegularFile(const std::string& path, std::string* error)
     return fd;
 }
 
-namespace {
-
-// Reads `fd` to its end into `content`; 0 or the errno value of the failure
-// (EFBIG: more than `limit` bytes).
-int ReadAll(int fd, std::size_t limit, std::string& content)
-{
-    struct stat info {};
-    if (::fstat(fd, &info) == 0 && static_cast<unsigned long long>(info.st_size) <= limit)
-        content.reserve(static_cast<std::size_t>(info.st_size));
-    char buffer[65536];
-    for (;;) {
-        const ssize_t n = ::read(fd, buffer, sizeof buffer);
-        if (n == 0)
-            return 0;
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            return errno;
-        // The size is checked as the bytes come: the file may grow while it is read.
-        if (static_cast<std::size_t>(n) > limit - content.size())
-            return EFBIG;
-        content.append(buffer, static_cast<std::size_t>(n));
-    }
-}
-
-}  // namespace
-
 int NyrReadRegularFile(const std::string& path, std::size_t limit, std::string& content, std::string* error)
 {
     content.clear();
     const int fd = NyrOpenRegularFile(path, error);
     if (fd < 0)
         return 0;
-    int failure = 0;
-    try {
-        failure = ReadAll(fd, limit, content);
-    } catch (const std::bad_alloc&) {
-        failure = ENOMEM;
+    struct stat info {};
+    if (::fstat(fd, &info) == 0 && static_cast<unsigned long long>(info.st_size) > limit) {
+        // Refused before a byte is read: a file far beyond the limit would
+        // otherwise cost the limit in memory and time first.
+        ::close(fd);
+        SetError(error, path, "larger than " + std::to_string(limit) + " bytes");
+        return 0;
+    }
+    content.reserve(static_cast<std::size_t>(info.st_size));
+    char buffer[65536];
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n == 0)
+            break;
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            const int code = errno;
+            ::close(fd);
+            content.clear();
+            SetError(error, path, NyrSystemErrorText(static_cast<unsigned long>(code)));
+            return 0;
+        }
+        if (static_cast<std::size_t>(n) > limit - content.size()) {
+            // The size is checked as the bytes come: the file may grow while it is read.
+            ::close(fd);
+            content.clear();
+            content.shrink_to_fit();
+            SetError(error, path, "larger than " + std::to_string(limit) + " bytes");
+            return 0;
+        }
+        content.append(buffer, static_cast<std::size_t>(n));
     }
     ::close(fd);
-    if (failure == 0)
-        return 1;
-    content.clear();
-    content.shrink_to_fit();
-    SetError(error, path,
-             failure == EFBIG ? "larger than " + std::to_string(limit) + " bytes"
-                              : NyrSystemErrorText(static_cast<unsigned long>(failure)));
-    return 0;
+    return 1;
 }
