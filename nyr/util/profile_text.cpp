@@ -85,14 +85,27 @@ std::string_view TrimBlanks(std::string_view s)
     return s.substr(b, e - b);
 }
 
-int ParseLeadingInt(std::string_view s)
+namespace {
+
+// Where the digits of an integer text start: after leading blanks and line
+// breaks and a sign, which sets `negative`.
+size_t DigitsStart(std::string_view s, bool& negative)
 {
     size_t i = 0;
     while (i < s.size() && (IsBlank(s[i]) || s[i] == '\n'))
         ++i;
-    bool negative = false;
+    negative = false;
     if (i < s.size() && (s[i] == '+' || s[i] == '-'))
         negative = s[i++] == '-';
+    return i;
+}
+
+}  // namespace
+
+int ParseLeadingInt(std::string_view s)
+{
+    bool negative = false;
+    size_t i = DigitsStart(s, negative);
     // Accumulate towards the sign so that INT_MIN itself fits.
     long long v = 0;
     for (; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) {
@@ -108,12 +121,8 @@ int ParseLeadingInt(std::string_view s)
 
 unsigned ParseProfileUnsigned(std::string_view s)
 {
-    size_t i = 0;
-    while (i < s.size() && (IsBlank(s[i]) || s[i] == '\n'))
-        ++i;
     bool negative = false;
-    if (i < s.size() && (s[i] == '+' || s[i] == '-'))
-        negative = s[i++] == '-';
+    size_t i = DigitsStart(s, negative);
     uint32_t v = 0;  // wraps modulo 2^32, as the platform's reading does
     for (; i < s.size() && ascii::IsDigit(s[i]); ++i)
         v = v * 10 + static_cast<uint32_t>(s[i] - '0');
