@@ -217,15 +217,17 @@ TEST(ProfileStore, TemporariesLeftByKilledWritersGoWithTheNextWriteOnceAMinuteOl
     const std::string file = dir.File("k.ini");
     const std::string big(1 << 20, 'v');
     WriteFile(file, "[S]\nv=" + big + "\n");
-    // Writers killed at random moments; some die between creating their
-    // temporary file and renaming it.
-    std::mt19937 random(7);
-    for (int round = 0; round < 400 && TemporariesIn(dir.Path(), ".k.ini.").size() < 3; ++round) {
+    // Writers killed the moment their temporary file shows; some die before
+    // they renamed it.
+    for (int round = 0; round < 200 && TemporariesIn(dir.Path(), ".k.ini.").size() < 3; ++round) {
+        const size_t before = TemporariesIn(dir.Path(), ".k.ini.").size();
         const pid_t pid = fork();
         if (pid == 0)
             for (int i = 0;; ++i)
                 P::WriteProfileStringA(file, "S", "v", std::string(1 << 20, static_cast<char>('a' + i % 26)));
-        std::this_thread::sleep_for(std::chrono::microseconds(200 + random() % 3000));
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        while (TemporariesIn(dir.Path(), ".k.ini.").size() == before && std::chrono::steady_clock::now() < deadline) {
+        }
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
     }
