@@ -25,6 +25,12 @@ int RunText(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     if (dump ? !args.empty() : args.size() != 1)
         return UsageError(kText, err, dump ? "--dump takes no text number" : "expected one text number");
 
+    // The module is current for this command only: it dies with it.
+    struct Restore
+    {
+        NyrResourceHandle previous = NyrGetNyrResourceHandle();
+        ~Restore() { NyrSetNyrResourceHandle(previous); }
+    } restore;
     std::unique_ptr<CNyrResourceModule> module;
     if (language) {
         std::string problem;
@@ -40,7 +46,7 @@ int RunText(std::vector<std::string>& args, std::ostream& out, std::ostream& err
         return kSuccess;
     }
     long id = 0;
-    if (!ParseLong(args[0], id) || id < 0 || id > 0xFFFFFFFFL)
+    if (!ParseLongInRange(args[0], 0, 0xFFFFFFFFL, id))
         return UsageError(kText, err, "not a text number: " + args[0]);
     std::string text;
     if (!NyrGetNyrResourceHandle()->LoadString(static_cast<unsigned>(id), text)) {

@@ -3,7 +3,6 @@
 
 #include "command.h"
 #include "nyr/util/profile_entries.h"
-#include "nyr/util/profile_text_p.h"
 
 namespace {
 
@@ -37,6 +36,12 @@ int RunIni(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
         // absent entry is told apart by a default no value can have.
         const std::string kAbsent("\n", 1);
         const std::string value = CNyrProfileEntries::ReadProfileString(path, section, entry, kAbsent);
+        // A file that cannot be read (too large, not a file, no permission)
+        // is not answered with the default.
+        if (const std::string problem = NyrGetProfileError(); !problem.empty()) {
+            err << "nyr ini: " << problem << "\n";
+            return kFailure;
+        }
         if (value == kAbsent && !defaultValue) {
             err << "nyr ini: no entry \"" << entry << "\" in [" << section << "] of " << path << "\n";
             return kFailure;
@@ -52,15 +57,10 @@ int RunIni(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
         return kSuccess;
     }
     const std::string& value = args[3];
-    if (!nyr::detail::IsWritableSection(section) || !nyr::detail::IsWritableEntry(entry) ||
-        !nyr::detail::IsWritableValue(value)) {
-        err << "nyr ini: refused: the section, entry or value would break the file's lines\n";
-        return kFailure;
-    }
     const int written = file ? CNyrProfileEntries::WriteProfileStringA(path, section, entry, value)
                              : CNyrProfileEntries::WriteNyrProfileString(section, entry, value);
     if (!written) {
-        err << "nyr ini: cannot write " << path << "\n";
+        err << "nyr ini: " << NyrGetProfileError() << "\n";
         return kFailure;
     }
     return kSuccess;
@@ -75,12 +75,14 @@ const Command kIni{"ini", "read and write entries of a settings file",
                    "/Nyr240.INI), with the library's look-up rules (names compare without\n"
                    "regard to case, the first match wins).\n\n"
                    "get     prints the value; exit status 1 when the entry is absent,\n"
-                   "        unless --default gives the text to print instead.\n"
+                   "        unless --default gives the text to print instead, and when\n"
+                   "        the file cannot be read (larger than 64 MiB, not a file, ...).\n"
                    "set     sets the value, keeping every other line of the file; exit\n"
                    "        status 1 when the file cannot be written or a name or the\n"
                    "        value would break the file (line breaks, \"]\" in a section,\n"
                    "        \"=\" in an entry). Creates the library's own file and folder\n"
-                   "        when missing; FILE's folder must exist.\n"
+                   "        when missing; FILE's folder must exist. Waits at most 5 s for\n"
+                   "        another program's lock on the file, then fails.\n"
                    "vector  prints the integer vector stored as \"1;2;3;\", one element\n"
                    "        per line (nothing when absent or empty).\n",
                    RunIni};

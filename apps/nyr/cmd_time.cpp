@@ -40,8 +40,8 @@ bool ParseValue(const std::string& text, CNyrTime& time, std::string& problem)
         const std::size_t colon = text.find(':', 4);
         long week = 0;
         double seconds = 0.0;
-        ok = colon != std::string::npos && ParseLong(text.substr(4, colon - 4), week) && week >= 0 &&
-             week <= 100000 && ParseDouble(text.substr(colon + 1), seconds) &&
+        ok = colon != std::string::npos && ParseLongInRange(text.substr(4, colon - 4), 0, 100000, week) &&
+             ParseDouble(text.substr(colon + 1), seconds) &&
              CNyrTimeHelper::SetMjd(CNyrTime::GpsTime(static_cast<int>(week), seconds), time);
     } else if (text.rfind("mjd:", 0) == 0) {
         ok = ParseDouble(text.substr(4), mjd) && CNyrTimeHelper::SetMjd(mjd, time);
@@ -61,7 +61,7 @@ std::string Pattern(const std::optional<std::string>& row, const std::optional<s
     if (pattern)
         return *pattern;
     long index = 0;
-    if (row && (!ParseLong(*row, index) || !CNyrTime::TimeFormatPattern(static_cast<int>(index)) || index < 0)) {
+    if (row && !ParseLongInRange(*row, 0, CNyrTime::eTimeFormatCount - 1, index)) {
         problem = "--row takes 0 to 31";
         return {};
     }
@@ -97,8 +97,8 @@ int Format(std::vector<std::string>& args, std::ostream& out, std::ostream& err)
     std::string problem;
     const std::string text = Pattern(row, pattern, problem);
     long flag = CNyrTimeHelper::eRoundSecond;
-    if (round && !ParseLong(*round, flag))
-        problem = "--round takes a number";
+    if (round && !ParseLongInRange(*round, CNyrTimeHelper::eRoundSecond, CNyrTimeHelper::eRoundHundredth, flag))
+        problem = "--round takes 0 to 5";
     CNyrTime t;
     if (problem.empty() && !args.empty())
         ParseValue(args[0], t, problem);
@@ -175,6 +175,12 @@ int RunTime(std::vector<std::string>& args, std::ostream& out, std::ostream& err
     const auto settings = TakeOption(args, "--settings", missing);
     if (missing)
         return UsageError(kTime, err, "--settings needs a file");
+    // The settings file is this command's only.
+    struct Restore
+    {
+        std::string previous = NyrGetProfilePath();
+        ~Restore() { NyrSetProfilePath(previous); }
+    } restore;
     if (settings)
         NyrSetProfilePath(*settings);
     if (const auto unknown = FirstUnknownOption(args);

@@ -85,7 +85,7 @@ int RunValues(const Command& command, bool angle, std::vector<std::string>& args
     if (lat && lon)
         return UsageError(command, err, "--lat and --lon exclude each other");
     long precision = -1;
-    if (precisionText && (!ParseLong(*precisionText, precision) || precision < 0 || precision > 15))
+    if (precisionText && !ParseLongInRange(*precisionText, 0, 15, precision))
         return UsageError(command, err, "--precision takes 0 to 15");
 
     if (action == "convert") {

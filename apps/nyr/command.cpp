@@ -103,6 +103,15 @@ bool ParseLong(const std::string& text, long& value)
     return errno == 0 && *end == '\0';
 }
 
+bool ParseLongInRange(const std::string& text, long min, long max, long& value)
+{
+    long parsed = 0;
+    if (!ParseLong(text, parsed) || parsed < min || parsed > max)
+        return false;
+    value = parsed;
+    return true;
+}
+
 bool ParseDouble(const std::string& text, double& value)
 {
     if (text.empty())

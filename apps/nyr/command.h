@@ -20,6 +20,11 @@ struct Command
     int (*run)(std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 };
 
+// Runs the tool's command line without the program name (argv[1] on):
+// dispatches to the command, prints to `out` and `err`, returns the exit
+// status. Never throws. Callable in process (the argument fuzz target does).
+int Run(std::vector<std::string> args, std::ostream& out, std::ostream& err);
+
 // Registration happens during static initialisation; see NYR_REGISTER_COMMAND.
 bool RegisterCommand(const Command& command);
 const std::vector<Command>& Commands();
@@ -37,9 +42,13 @@ bool TakeFlag(std::vector<std::string>& args, const std::string& name);
 std::string FirstUnknownOption(const std::vector<std::string>& args);
 
 // Parses a whole decimal integer or a floating number; false when the text is
-// not entirely that.
+// not entirely that. A long is wider than most things it is narrowed to:
+// check the range first, or use ParseLongInRange.
 bool ParseLong(const std::string& text, long& value);
 bool ParseDouble(const std::string& text, double& value);
+// A whole decimal integer from `min` to `max`; false for anything else, so a
+// value outside the range is never narrowed ("4294967296" is no int 0).
+bool ParseLongInRange(const std::string& text, long min, long max, long& value);
 
 // Prints "nyr NAME: message" and the usage line to err; returns kUsage.
 int UsageError(const Command& command, std::ostream& err, const std::string& message);

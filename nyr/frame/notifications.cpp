@@ -1,8 +1,10 @@
 #include "nyr/frame/notifications.h"
 
-#include <cctype>
 #include <mutex>
+#include <new>
 #include <unordered_map>
+
+#include "nyr/platform/ascii_p.h"
 
 namespace {
 
@@ -19,12 +21,10 @@ Registry& TheRegistry()
     return registry;
 }
 
+// Names compare without regard to ASCII case, whatever the host's locale.
 std::string Key(const char* name)
 {
-    std::string key(name);
-    for (char& c : key)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return key;
+    return nyr::ascii::ToUpper(name);
 }
 
 constexpr unsigned int kLastRegisteredMessage = 0xFFFF;
@@ -37,15 +37,24 @@ unsigned int NyrRegisterWindowMessage(const char* name)
         return 0;
     Registry& registry = TheRegistry();
     std::lock_guard lock(registry.mutex);
-    std::string key = Key(name);
-    if (const auto it = registry.byName.find(key); it != registry.byName.end())
-        return it->second;
-    const auto number = kNyrFirstRegisteredMessage + static_cast<unsigned int>(registry.names.size());
-    if (number > kLastRegisteredMessage)
-        return 0;
-    registry.byName.emplace(std::move(key), number);
-    registry.names.emplace_back(name);
-    return number;
+    try {
+        std::string key = Key(name);
+        if (const auto it = registry.byName.find(key); it != registry.byName.end())
+            return it->second;
+        const auto number = kNyrFirstRegisteredMessage + static_cast<unsigned int>(registry.names.size());
+        if (number > kLastRegisteredMessage)
+            return 0;
+        registry.names.emplace_back(name);
+        try {
+            registry.byName.emplace(std::move(key), number);
+        } catch (const std::bad_alloc&) {
+            registry.names.pop_back();
+            throw;
+        }
+        return number;
+    } catch (const std::bad_alloc&) {
+        return 0;  // as the platform answers when it cannot register
+    }
 }
 
 std::string NyrRegisteredMessageName(unsigned int message)

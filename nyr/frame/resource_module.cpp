@@ -1,11 +1,12 @@
 #include "nyr/frame/resource_module.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include <new>
+#include <string_view>
+#include <vector>
 
 #include "nyr/frame/text_table_p.h"
+#include "nyr/platform/file_read.h"
 #include "nyr/platform/string_format.h"
 
 namespace {
@@ -39,14 +40,14 @@ bool Fail(std::string* error, const std::string& name, int line, const std::stri
 }
 
 // Reads one quoted text with its escapes from `in` starting at the opening quote.
-bool ParseQuoted(const std::string& in, std::size_t pos, std::string& out, std::string& reason)
+bool ParseQuoted(std::string_view in, std::size_t pos, std::string& out, std::string& reason)
 {
     out.clear();
     for (++pos; pos < in.size(); ++pos) {
         char c = in[pos];
         if (c == '"') {
             const auto rest = in.find_first_not_of(" \t\r", pos + 1);
-            if (rest != std::string::npos) {
+            if (rest != std::string_view::npos) {
                 reason = "text after the closing quote";
                 return false;
             }
@@ -67,6 +68,57 @@ bool ParseQuoted(const std::string& in, std::size_t pos, std::string& out, std::
         out += c;
     }
     reason = "missing closing quote";
+    return false;
+}
+
+// "NUMBER "text"" from `first`, the line's first non-blank character.
+bool ParseLine(std::string_view line, std::size_t first, unsigned& id, std::string& value, std::string& reason)
+{
+    std::size_t pos = first;
+    unsigned long number = 0;
+    while (pos < line.size() && line[pos] >= '0' && line[pos] <= '9') {
+        number = number * 10 + static_cast<unsigned long>(line[pos] - '0');
+        if (number > 0xFFFFFFFFul) {
+            reason = "number out of range";
+            return false;
+        }
+        ++pos;
+    }
+    if (pos == first) {
+        reason = "a line must start with a text number";
+        return false;
+    }
+    pos = line.find_first_not_of(" \t", pos);
+    if (pos == std::string_view::npos || line[pos] != '"') {
+        reason = "expected a double-quoted text after the number";
+        return false;
+    }
+    id = static_cast<unsigned>(number);
+    return ParseQuoted(line, pos, value, reason);
+}
+
+// A text that replaces a built-in one must take exactly the arguments the
+// library passes with it: the conversions of the built-in text, each as
+// written, in the same order. Texts of other numbers are the host's (time
+// patterns, its own messages) and are taken as they are.
+bool CheckConversions(unsigned id, const std::string& value, std::string& reason)
+{
+    const char* builtin = FindBuiltin(id);
+    if (!builtin)
+        return true;
+    std::vector<std::string> have, want;
+    if (!NyrFormatConversions(value, have)) {
+        reason = "an unknown or incomplete conversion after \"" + (have.empty() ? std::string() : have.back()) +
+                 "\" (write %% for a percent sign)";
+        return false;
+    }
+    NyrFormatConversions(builtin, want);
+    if (have == want)
+        return true;
+    std::string list;
+    for (const std::string& c : want)
+        list += c;
+    reason = "the text must keep the conversions \"" + list + "\" of the built-in text, in that order";
     return false;
 }
 
@@ -117,54 +169,48 @@ CNyrResourceModule* CNyrResourceModule::Host()
 std::unique_ptr<CNyrResourceModule> CNyrResourceModule::LoadFromText(const std::string& text, const std::string& name,
                                                                      std::string* error)
 {
+    try {
+        return Parse(text, name, error);
+    } catch (const std::bad_alloc&) {
+        if (error)
+            *error = name + ": not enough memory";
+        return nullptr;
+    }
+}
+
+std::unique_ptr<CNyrResourceModule> CNyrResourceModule::Parse(const std::string& text, const std::string& name,
+                                                              std::string* error)
+{
     auto module = std::make_unique<CNyrResourceModule>(name);
-    std::istringstream lines(text);
-    std::string line;
-    int number = 0;
-    while (std::getline(lines, line)) {
-        ++number;
+    std::size_t begin = 0;
+    for (int number = 1; begin < text.size(); ++number) {
+        const std::size_t lf = text.find('\n', begin);
+        const std::size_t end = lf == std::string::npos ? text.size() : lf;
+        const std::string_view line(text.data() + begin, end - begin);
+        begin = end + 1;
+        if (line.find('\0') != std::string_view::npos)
+            return Fail(error, name, number, "a zero byte"), nullptr;
         const auto first = line.find_first_not_of(" \t\r");
-        if (first == std::string::npos || line[first] == '#')
+        if (first == std::string_view::npos || line[first] == '#')
             continue;
-        std::size_t pos = first;
-        unsigned long id = 0;
-        while (pos < line.size() && line[pos] >= '0' && line[pos] <= '9') {
-            id = id * 10 + static_cast<unsigned long>(line[pos] - '0');
-            if (id > 0xFFFFFFFFul)
-                return Fail(error, name, number, "number out of range"), nullptr;
-            ++pos;
-        }
-        if (pos == first)
-            return Fail(error, name, number, "a line must start with a text number"), nullptr;
-        pos = line.find_first_not_of(" \t", pos);
-        if (pos == std::string::npos || line[pos] != '"')
-            return Fail(error, name, number, "expected a double-quoted text after the number"), nullptr;
+        unsigned id = 0;
         std::string value, reason;
-        if (!ParseQuoted(line, pos, value, reason))
+        if (!ParseLine(line, first, id, value, reason) || !CheckConversions(id, value, reason))
             return Fail(error, name, number, reason), nullptr;
-        // A translated format must take exactly the arguments the library passes.
-        if (const char* builtin = FindBuiltin(static_cast<unsigned>(id))) {
-            const std::string want = NyrFormatConversions(builtin);
-            if (NyrFormatConversions(value) != want)
-                return Fail(error, name, number, "the text must keep the conversions \"" + want + "\" of the built-in text"),
-                       nullptr;
-        }
-        module->m_texts[static_cast<unsigned>(id)] = std::move(value);
+        module->m_texts[id] = std::move(value);
     }
     return module;
 }
 
 std::unique_ptr<CNyrResourceModule> CNyrResourceModule::LoadFromFile(const std::string& path, std::string* error)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    std::string content, problem;
+    if (!NyrReadRegularFile(path, kMaxFileSize, content, &problem)) {
         if (error)
-            *error = path + ": cannot be read";
+            *error = problem;
         return nullptr;
     }
-    std::ostringstream content;
-    content << in.rdbuf();
-    return LoadFromText(content.str(), path, error);
+    return LoadFromText(content, path, error);
 }
 
 bool CNyrResourceModule::LoadString(unsigned id, std::string& text) const
@@ -185,13 +231,19 @@ bool CNyrResourceModule::LoadString(unsigned id, std::string& text) const
 
 void CNyrResourceModule::SetString(unsigned id, std::string text)
 {
-    if (m_builtin) {
-        // The built-in table is read-only; copy its entries on first change.
-        for (const auto& entry : NyrBuiltinTexts())
-            m_texts.emplace(entry.id, entry.text);
-        m_builtin = false;
+    try {
+        if (m_builtin) {
+            // The built-in table is read-only; copy its entries on first change.
+            std::map<unsigned, std::string> copy;
+            for (const auto& entry : NyrBuiltinTexts())
+                copy.emplace(entry.id, entry.text);
+            m_texts = std::move(copy);
+            m_builtin = false;
+        }
+        m_texts[id] = std::move(text);
+    } catch (const std::bad_alloc&) {
+        // Out of memory: the module stays as it was.
     }
-    m_texts[id] = std::move(text);
 }
 
 std::size_t CNyrResourceModule::Size() const
@@ -205,7 +257,7 @@ const std::string& CNyrResourceModule::Name() const
 }
 
 std::string CNyrResourceModule::ToText() const
-{
+try {
     std::string out;
     auto write = [&out](unsigned id, const std::string& text) {
         out += std::to_string(id);
@@ -221,6 +273,8 @@ std::string CNyrResourceModule::ToText() const
             write(id, text);
     }
     return out;
+} catch (const std::bad_alloc&) {
+    return {};
 }
 
 void NyrSetNyrResourceHandle(NyrResourceHandle module)

@@ -17,9 +17,14 @@
 // The number is decimal, followed by blanks and one double-quoted text in
 // which \n, \r, \t, \" and \\ are the only escapes. Numbers the module does
 // not list load as empty texts, as unknown numbers do in the built-in table.
-// A text that replaces a built-in one must keep its printf conversions in
-// order ("%d.%d" stays two %d), so a translation can never take arguments the
-// library does not pass; such a line is refused.
+// A text that replaces a built-in one must keep its conversions exactly as
+// written and in order ("%d.%d" stays two %d; not %ld, not %5d), so a
+// translation can never take arguments the library does not pass; "%%" is a
+// percent sign; a conversion printf does not know or that is cut off
+// ("100%", "%z", "%.66") is refused. Texts of numbers the library does not
+// use are the host's (time patterns, its own messages) and taken as they
+// are. A zero byte anywhere refuses the module. Files are read up to
+// kMaxFileSize bytes, regular files only; a module is loaded whole or not.
 class NYR_EXPORT CNyrResourceModule
 {
 public:
@@ -34,9 +39,14 @@ public:
     // until the host adds its own with SetString.
     static CNyrResourceModule* Host();
 
+    // Language modules are read up to this size (the whole table takes
+    // about 20 KiB).
+    static constexpr std::size_t kMaxFileSize = std::size_t{4} << 20;
+
     // Loads a language module. Returns null and describes the first problem
-    // ("file:line: reason") in *error when the file cannot be read or a line
-    // is malformed; a module is never half loaded.
+    // ("file:line: reason") in *error when the file cannot be read (not a
+    // regular file, larger than kMaxFileSize) or a line is malformed; a module
+    // is never half loaded.
     static std::unique_ptr<CNyrResourceModule> LoadFromFile(const std::string& path, std::string* error = nullptr);
 
     // Parses the file format above from memory; same rules as LoadFromFile.
@@ -49,11 +59,14 @@ public:
     std::size_t Size() const;
     const std::string& Name() const;
 
-    // Every entry in number order, written in the file format above.
+    // Every entry in number order, written in the file format above (empty
+    // when memory runs out).
     std::string ToText() const;
 
 private:
     friend struct CNyrBuiltinTexts;
+    static std::unique_ptr<CNyrResourceModule> Parse(const std::string& text, const std::string& name,
+                                                     std::string* error);
     std::string m_name;
     std::map<unsigned, std::string> m_texts;  // empty for the library module: it reads the built-in table
     bool m_builtin = false;

@@ -1,15 +1,13 @@
 // The version source of this platform: the Linux library that plays the part
-// of each Windows library, its version read from the file the dynamic loader
-// resolves (see version_check.h for the table and the rule).
+// of each Windows library, its version as the loaded Qt reports it (see
+// version_check.h for the table and the rule).
 #include <dlfcn.h>
-#include <link.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
-#include <strings.h>
 
 #include "nyr/frame/version_check.h"
+#include "nyr/platform/ascii_p.h"
 
 namespace {
 
@@ -28,13 +26,10 @@ constexpr Counterpart kCounterparts[] = {
 
 constexpr std::uint32_t kMinimumMajor = 6, kMinimumMinor = 2;
 
-// "libQt6Widgets.so.6.4.2" gives 6, 4, 2; false when no version follows ".so.".
-bool VersionFromFileName(const std::string& path, std::uint32_t (&parts)[3])
+// "6.4.2" gives 6, 4, 2; false unless it starts with a number.
+bool ParseVersion(const char* text, std::uint32_t (&parts)[3])
 {
-    const auto so = path.rfind(".so.");
-    if (so == std::string::npos)
-        return false;
-    const char* p = path.c_str() + so + 4;
+    const char* p = text;
     for (int i = 0; i < 3; ++i) {
         parts[i] = 0;
         if (*p < '0' || *p > '9')
@@ -48,13 +43,26 @@ bool VersionFromFileName(const std::string& path, std::uint32_t (&parts)[3])
     return true;
 }
 
+// The version the loaded Qt reports about itself. qVersion lives in QtCore;
+// asked through a module's handle, dlsym searches the module and the
+// libraries it was loaded with, so it answers for the QtCore that module
+// runs on. The file name says nothing: applications ship Qt under its
+// soname alone.
+bool QtVersion(void* handle, std::uint32_t (&parts)[3])
+{
+    using VersionFunction = const char* (*)();
+    const auto version = reinterpret_cast<VersionFunction>(dlsym(handle, "qVersion"));
+    const char* text = version ? version() : nullptr;
+    return text && ParseVersion(text, parts);
+}
+
 class SystemSource final : public CNyrVersionSource
 {
 public:
     bool Query(const std::string& fileName, VS_FIXEDFILEINFO& info, unsigned long& errorCode) override
     {
         for (const Counterpart& c : kCounterparts) {
-            if (strcasecmp(c.windowsName, fileName.c_str()) == 0)
+            if (nyr::ascii::EqualsNoCase(c.windowsName, fileName))
                 return Read(c, info, errorCode);
         }
         errorCode = ENOENT;
@@ -71,15 +79,10 @@ private:
             errorCode = ENOENT;
             return false;
         }
-        link_map* map = nullptr;
-        std::string path;
-        if (dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map && map->l_name) {
-            char resolved[PATH_MAX];
-            path = realpath(map->l_name, resolved) ? resolved : map->l_name;
-        }
-        dlclose(handle);
         std::uint32_t v[3];
-        if (!VersionFromFileName(path, v)) {
+        const bool known = QtVersion(handle, v);
+        dlclose(handle);
+        if (!known) {
             errorCode = ENOEXEC;
             return false;
         }

@@ -277,6 +277,15 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26303, "Move &Up"},
     {26304, "Move &Down"},
     {26305, "De&faults"},
+    {26305, "&Defaults"},
+    // Settings store failures
+    {26306, "The settings file %s is locked by another program."},
+    {26307, "The settings file %s is read-only."},
+    {26308, "The settings file %s is too large: settings files hold at most %d MiB."},
+    {26309, "The settings file %s is not a regular file."},
+    {26310, "The settings file %s cannot be read: %s"},
+    {26311, "The settings file %s cannot be written: %s"},
+    {26312, "The section, entry or value would break the lines of the settings file %s."},
     // Mail: addresses refused before sending
     {26320, "The mail address is not valid."},
     // Leap-second lists

@@ -1,6 +1,7 @@
 #include "nyr/frame/ui_hooks.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -29,6 +30,22 @@ void NyrSetUiHooks(const CNyrUiHooks& hooks)
 const CNyrUiHooks& NyrGetUiHooks()
 {
     return Hooks();
+}
+
+NyrMessageBoxHook NyrSetMessageBoxHook(NyrMessageBoxHook hook)
+{
+    return std::exchange(Hooks().messageBox, hook);
+}
+
+NyrEnableMainWindowHook NyrSetEnableMainWindowHook(NyrEnableMainWindowHook hook)
+{
+    return std::exchange(Hooks().enableMainWindow, hook);
+}
+
+void NyrSetWaitCursorHooks(NyrWaitCursorHook begin, NyrWaitCursorHook end)
+{
+    Hooks().beginWaitCursor = begin;
+    Hooks().endWaitCursor = end;
 }
 
 int NyrMessageBox(const std::string& text, const std::string& caption, unsigned style)

@@ -7,24 +7,39 @@
 // The few places where the toolkit-free core touches the user interface go
 // through these hooks. The core's defaults are headless: no cursor, and a
 // message box that writes "caption: text" to standard error and answers OK.
-// libNyr240Widgets installs Qt versions when it is loaded.
+// libNyr240Widgets installs Qt versions when it is loaded; a host that links
+// Nyr240::Widgets (or pkg-config's nyr240widgets) loads it whatever its
+// linker flags, --as-needed included.
+
+using NyrWaitCursorHook = void (*)();
+// Shows `text` modally; `style` takes the platform's message-box style
+// values (MB_OK = 0, MB_ICONERROR = 0x10, ...). Returns the result code of
+// the button pressed (1 OK, 2 Cancel, ...).
+using NyrMessageBoxHook = int (*)(const std::string& text, const std::string& caption, unsigned style);
+// Disables (false) the application's main window while another program
+// holds the user, such as the mail client of a mail hand-off; enabling
+// (true) makes it usable and the active window again.
+using NyrEnableMainWindowHook = void (*)(bool enable);
+
 struct CNyrUiHooks
 {
-    void (*beginWaitCursor)() = nullptr;
-    void (*endWaitCursor)() = nullptr;
-    // Shows `text` modally; `style` takes the platform's message-box style
-    // values (MB_OK = 0, MB_ICONERROR = 0x10, ...). Returns the result code
-    // of the button pressed (1 OK, 2 Cancel, ...).
-    int (*messageBox)(const std::string& text, const std::string& caption, unsigned style) = nullptr;
-    // Disables (false) the application's main window while another program
-    // holds the user, such as the mail client of a mail hand-off; enabling
-    // (true) makes it usable and the active window again.
-    void (*enableMainWindow)(bool enable) = nullptr;
+    NyrWaitCursorHook beginWaitCursor = nullptr;
+    NyrWaitCursorHook endWaitCursor = nullptr;
+    NyrMessageBoxHook messageBox = nullptr;
+    NyrEnableMainWindowHook enableMainWindow = nullptr;
 };
 
-// Replaces the hooks; a null member falls back to the headless default.
+// Replaces all hooks; a null member falls back to the headless default.
 NYR_EXPORT void NyrSetUiHooks(const CNyrUiHooks& hooks);
 NYR_EXPORT const CNyrUiHooks& NyrGetUiHooks();
+
+// Each replaces one hook and keeps the others (null: the headless default)
+// and returns what was installed before. Set hooks at start-up: they are
+// read without a lock.
+NYR_EXPORT NyrMessageBoxHook NyrSetMessageBoxHook(NyrMessageBoxHook hook);
+NYR_EXPORT NyrEnableMainWindowHook NyrSetEnableMainWindowHook(NyrEnableMainWindowHook hook);
+// The two wait-cursor hooks go together: every begin is matched by an end.
+NYR_EXPORT void NyrSetWaitCursorHooks(NyrWaitCursorHook begin, NyrWaitCursorHook end);
 
 // Shows a message through the installed hook.
 NYR_EXPORT int NyrMessageBox(const std::string& text, const std::string& caption = {}, unsigned style = 0);

@@ -50,11 +50,13 @@ enum eNyrRequirements
 //   Mfc70.Dll       libQt6Widgets.so.6      7.0 (the window framework level)
 //
 // The product version is the interface level the counterpart provides when
-// its own version (read from the loaded file's name, libQt6Widgets.so.6.4.2
-// gives 6.4.2, and put in the file-version words) is at least Qt 6.2; an
-// older counterpart reports its own version instead. A counterpart that
-// cannot be loaded fails with ENOENT. A system with Qt 6.2 or later passes
-// the combined check.
+// its own version (what the loaded Qt reports through qVersion(), "6.4.2",
+// put in the file-version words) is at least Qt 6.2; an older counterpart
+// reports its own version instead. The file's name plays no part, so Qt
+// shipped under its soname alone (libQt6Widgets.so.6) is read as well. A
+// counterpart that cannot be loaded fails with ENOENT, one that reports no
+// version with ENOEXEC. A system with Qt 6.2 or later passes the combined
+// check.
 class NYR_EXPORT CNyrVersionSource
 {
 public:

@@ -14,6 +14,11 @@ namespace nyr::ascii {
 
 constexpr char ToLower(char c) noexcept { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + ('a' - 'A')) : c; }
 constexpr char ToUpper(char c) noexcept { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - ('a' - 'A')) : c; }
+constexpr bool IsDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+constexpr bool IsAlnum(char c) noexcept { return IsDigit(c) || (ToLower(c) >= 'a' && ToLower(c) <= 'z'); }
+// Space, tab, line feed, vertical tab, form feed, carriage return: isspace in
+// the C locale, whatever locale is set.
+constexpr bool IsSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 inline std::string ToLower(std::string_view text)
 {

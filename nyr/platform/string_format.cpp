@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 std::string NyrFormatV(const char* format, va_list args)
 {
@@ -11,12 +12,16 @@ std::string NyrFormatV(const char* format, va_list args)
     const int needed = std::vsnprintf(small, sizeof small, format, copy);
     va_end(copy);
     if (needed < 0)
-        return {};
+        return format;
     if (static_cast<std::size_t>(needed) < sizeof small)
         return std::string(small, static_cast<std::size_t>(needed));
-    std::string out(static_cast<std::size_t>(needed), '\0');
-    std::vsnprintf(out.data(), out.size() + 1, format, args);
-    return out;
+    try {
+        std::string out(static_cast<std::size_t>(needed), '\0');
+        std::vsnprintf(out.data(), out.size() + 1, format, args);
+        return out;
+    } catch (const std::bad_alloc&) {
+        return format;
+    }
 }
 
 std::string NyrFormat(const char* format, ...)
@@ -28,22 +33,67 @@ std::string NyrFormat(const char* format, ...)
     return out;
 }
 
-std::string NyrFormatConversions(const std::string& format)
+namespace {
+
+bool IsDigit(char c)
 {
-    std::string out;
+    return c >= '0' && c <= '9';
+}
+
+// Width or precision: digits or one "*".
+void SkipCount(std::string_view text, std::size_t& i)
+{
+    if (i < text.size() && text[i] == '*') {
+        ++i;
+        return;
+    }
+    while (i < text.size() && IsDigit(text[i]))
+        ++i;
+}
+
+// The length of the conversion starting at the "%" at `start`; 0 when none
+// that the library knows starts there.
+std::size_t ConversionLength(std::string_view text, std::size_t start)
+{
+    for (const std::string_view name : {"%MIN", "%MAX"})
+        if (text.substr(start, name.size()) == name)
+            return name.size();
+    std::size_t i = start + 1;
+    while (i < text.size() && std::strchr("-+ #0", text[i]) && text[i] != '\0')
+        ++i;
+    SkipCount(text, i);
+    if (i < text.size() && text[i] == '.')
+        SkipCount(text, ++i);
+    for (const std::string_view length : {"hh", "h", "ll", "l", "L", "j", "z", "t"}) {
+        if (text.substr(i, length.size()) == length) {
+            i += length.size();
+            break;
+        }
+    }
+    if (i >= text.size() || text[i] == '\0' || !std::strchr("diouxXeEfFgGaAcsp", text[i]))
+        return 0;
+    return i + 1 - start;
+}
+
+}  // namespace
+
+bool NyrFormatConversions(std::string_view format, std::vector<std::string>& conversions)
+{
+    conversions.clear();
     for (std::size_t i = 0; i < format.size(); ++i) {
+        if (format[i] == '\0')
+            return false;
         if (format[i] != '%')
             continue;
-        if (++i < format.size() && format[i] == '%')
-            continue;
-        // flags, width, precision and length modifiers; '*' takes an argument
-        while (i < format.size() && std::strchr("-+ #0123456789.*hlLqjzt", format[i])) {
-            if (format[i] == '*')
-                out += '*';
+        if (i + 1 < format.size() && format[i + 1] == '%') {
             ++i;
+            continue;
         }
-        if (i < format.size())
-            out += format[i];
+        const std::size_t length = ConversionLength(format, i);
+        if (length == 0)
+            return false;
+        conversions.emplace_back(format.substr(i, length));
+        i += length - 1;
     }
-    return out;
+    return true;
 }

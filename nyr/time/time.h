@@ -64,10 +64,9 @@ public:
         eTimeFormatCount,            // 32: in a Format call, the current format
     };
 
-    // The drop-down list in which the user picks the format. It is a Qt
-    // widget, defined in libNyr240Widgets (nyrwidgets/time/time_format_combo_box.h);
-    // the core only names it. So are the three operations on it below, which
-    // link from libNyr240Widgets.
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
+    // The drop-down list in which the user picks the format, a Qt widget
+    // (nyrwidgets/time/time_format_combo_box.h); the core only names it.
     class CTimeFormatComboBox;
 
     // The current instant (whole seconds).
@@ -229,11 +228,14 @@ public:
     // is no day), 0 otherwise (or there is no month).
     static int DateOrder();
 
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // Fills the list with the 32 rows, each showing the current instant in
     // that row's pattern, reloads the current format and selects it.
     static void InitializeTimeFormatComboBox(CTimeFormatComboBox& comboBox);
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // The selected row, -1 when none.
     static int GetCurrentSelection(const CTimeFormatComboBox& comboBox);
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // Saves the selected row as SaveTimeFormat does; when it differs from the
     // previous one and `window` exists, sends WM_NYR_FORMAT_CHANGED_TIME
     // (wParam old index, lParam new index) to all descendants of `window`.

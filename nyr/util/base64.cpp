@@ -16,6 +16,8 @@
 #include <cstring>
 #include <new>
 
+#include "nyr/platform/file_read.h"
+
 namespace {
 
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -199,41 +201,138 @@ std::string NyrEncodeBase64(const unsigned char* data, unsigned long length, uns
 
 std::string NyrEncodeBase64(const std::string& path)
 {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int fd = NyrOpenRegularFile(path);
     if (fd < 0)
         return {};
-    std::string content;
+    std::string text;
     struct stat st{};
-    // Only regular files: a FIFO or device could block or never end.
-    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-    if (ok) {
-        try {
-            content.resize(static_cast<size_t>(st.st_size));
-            size_t have = 0;
-            for (;;) {
-                if (have == content.size())
-                    content.resize(have + 65536);  // the file grew since fstat
-                const ssize_t n = read(fd, content.data() + have, content.size() - have);
-                if (n < 0 && errno == EINTR)
-                    continue;
-                if (n < 0) {
-                    ok = false;
-                    break;
-                }
-                if (n == 0)
-                    break;
-                have += static_cast<size_t>(n);
-            }
-            content.resize(have);
-        } catch (const std::bad_alloc&) {
-            ok = false;
+    bool ok = fstat(fd, &st) == 0 && static_cast<unsigned long long>(st.st_size) <= kNyrMaxBase64FileSize;
+    try {
+        CNyrBase64Encoder encoder(76);
+        std::array<unsigned char, 65535> piece;  // whole groups of three
+        if (ok)
+            text.reserve(encoder.MaxText(static_cast<size_t>(st.st_size)));
+        size_t total = 0;
+        while (ok) {
+            const ssize_t n = read(fd, piece.data(), piece.size());
+            if (n < 0 && errno == EINTR)
+                continue;
+            total += n > 0 ? static_cast<size_t>(n) : 0;
+            // The size is checked as the bytes come: the file may grow while it is read.
+            ok = n >= 0 && total <= kNyrMaxBase64FileSize;
+            // An empty file still encodes as "A===".
+            const size_t have = text.size();
+            text.resize(have + encoder.MaxText(n > 0 ? static_cast<size_t>(n) : 0));
+            const size_t written = n > 0 ? encoder.Add(piece.data(), static_cast<size_t>(n), text.data() + have)
+                                         : encoder.Finish(text.data() + have);
+            text.resize(have + written);
+            if (n <= 0)
+                break;
         }
+    } catch (const std::bad_alloc&) {
+        ok = false;
     }
     close(fd);
-    if (!ok)
-        return {};
-    // An empty file still has a (non-null) buffer and encodes as "A===".
-    return NyrEncodeBase64(reinterpret_cast<const unsigned char*>(content.data()), content.size(), 76);
+    return ok ? text : std::string();
+}
+
+CNyrBase64Encoder::CNyrBase64Encoder(unsigned lineLength) : m_lineLength(lineLength) {}
+
+size_t CNyrBase64Encoder::MaxText(size_t length) const
+{
+    // Whole groups with the two bytes carried, the tail and its padding.
+    const size_t chars = (length + 2) / 3 * 4 + 6;
+    return m_lineLength ? chars + 2 * (chars / m_lineLength + 1) : chars;
+}
+
+size_t CNyrBase64Encoder::Put(const char* chars, size_t count, char* out)
+{
+    m_written += count;
+    if (m_lineLength == 0) {
+        std::memcpy(out, chars, count);
+        return count;
+    }
+    char* const start = out;
+    while (count > 0) {
+        const size_t take = std::min(count, m_lineLength - m_column);
+        std::memcpy(out, chars, take);
+        out += take;
+        chars += take;
+        count -= take;
+        m_column += take;
+        if (m_column == m_lineLength) {
+            *out++ = '\r';
+            *out++ = '\n';
+            m_written += 2;
+            m_column = 0;
+        }
+    }
+    return static_cast<size_t>(out - start);
+}
+
+size_t CNyrBase64Encoder::Add(const unsigned char* data, size_t length, char* out)
+{
+    char* const start = out;
+    char chars[4 * 1024];
+    if (m_carried > 0) {
+        // The bytes carried from the last piece open the first group.
+        unsigned char group[3] = {m_carry[0], m_carry[1], 0};
+        size_t have = m_carried;
+        for (; have < 3 && length > 0; --length)
+            group[have++] = *data++;
+        if (have < 3) {
+            std::memcpy(m_carry, group, have);
+            m_carried = have;
+            return 0;
+        }
+        EncodeGroups(group, 1, chars);
+        out += Put(chars, 4, out);
+        m_carried = 0;
+    }
+    while (length >= 3) {
+        const size_t groups = std::min(length / 3, sizeof chars / 4);
+        EncodeGroups(data, groups, chars);
+        out += Put(chars, groups * 4, out);
+        data += groups * 3;
+        length -= groups * 3;
+    }
+    for (; length > 0; --length)
+        m_carry[m_carried++] = *data++;
+    return static_cast<size_t>(out - start);
+}
+
+size_t CNyrBase64Encoder::Finish(char* out)
+{
+    char tail[3];
+    size_t written = Put(tail, EncodeTail(m_carry, m_carried, tail), out);
+    // Padding counts the line breaks too (intended): see NyrEncodeBase64.
+    const size_t padding = static_cast<size_t>((4 - m_written % 4) % 4);
+    std::memset(out + written, '=', padding);
+    written += padding;
+    m_carried = 0;
+    m_column = 0;
+    m_written = 0;
+    return written;
+}
+
+size_t CNyrBase64Decoder::Add(const char* text, size_t length, unsigned char* out)
+{
+    const auto& table = kDecode.v;
+    unsigned char* const start = out;
+    for (size_t i = 0; i < length && !m_ended; ++i) {
+        const unsigned v = table[static_cast<unsigned char>(text[i])];
+        if (v == kStop) {
+            m_ended = true;
+        } else if (v == kBreak) {
+            m_position = 0;
+        } else if (v != kSkip) {
+            if (m_position > 0)
+                *out++ = static_cast<unsigned char>(m_held << (2 * m_position) | v >> (6 - 2 * m_position));
+            m_held = v;
+            m_position = (m_position + 1) & 3;
+        }
+    }
+    return static_cast<size_t>(out - start);
 }
 
 void NyrAppendStandardBase64(const unsigned char* data, std::size_t length, unsigned lineLength, std::string& out)

@@ -3,6 +3,9 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "nyr/frame/resource_module.h"
+#include "nyr/platform/string_format.h"
+#include "nyr/platform/system_error.h"
 #include "nyr/platform/user_folders_p.h"
 #include "nyr/util/profile_store_p.h"
 #include "nyr/util/profile_text_p.h"
@@ -63,9 +66,13 @@ const char* CNyrProfileEntries::FolderContentViewViewStyle() { return "FCV_ViewS
 unsigned int CNyrProfileEntries::ReadProfileInt(const std::string& file, const std::string& section,
                                                 const std::string& entry, int defaultValue)
 {
-    int value = defaultValue;
-    ReadProfileValue(file, section, entry, [&](std::string_view text) { value = nyr::detail::ParseLeadingInt(text); });
-    return static_cast<unsigned int>(value);
+    auto value = static_cast<unsigned int>(defaultValue);
+    // Present but empty reads as the default too, as on the platform.
+    ReadProfileValue(file, section, entry, [&](std::string_view text) {
+        if (!text.empty())
+            value = nyr::detail::ParseProfileUnsigned(text);
+    });
+    return value;
 }
 
 int CNyrProfileEntries::WriteProfileInt(const std::string& file, const std::string& section,
@@ -157,6 +164,40 @@ int CNyrProfileEntries::WriteNyrProfileIntVector(const std::string& section, con
 {
     return WriteProfileValue(NyrGetProfilePath(), section, entry, nyr::detail::FormatIntVector(values), true) ? 1
                                                                                                               : 0;
+}
+
+// ---- waits and failures -------------------------------------------------
+
+void NyrSetProfileLockTimeout(unsigned milliseconds)
+{
+    nyr::detail::SetProfileLockWait(milliseconds);
+}
+
+unsigned NyrGetProfileLockTimeout()
+{
+    return nyr::detail::ProfileLockWait();
+}
+
+std::string NyrGetProfileError()
+{
+    using nyr::detail::ProfileProblem;
+    const nyr::detail::ProfileStatus status = nyr::detail::LastProfileStatus();
+    const char* path = nyr::detail::LastProfilePath().c_str();
+    const auto text = [](unsigned id) { return NyrLoadString(id); };
+    switch (status.problem) {
+    case ProfileProblem::kNone: return {};
+    case ProfileProblem::kLocked: return NyrFormat(text(26306).c_str(), path);
+    case ProfileProblem::kReadOnly: return NyrFormat(text(26307).c_str(), path);
+    case ProfileProblem::kTooLarge:
+        return NyrFormat(text(26308).c_str(), path, static_cast<int>(nyr::detail::kMaxProfileFileSize >> 20));
+    case ProfileProblem::kNotRegular: return NyrFormat(text(26309).c_str(), path);
+    case ProfileProblem::kRefused: return NyrFormat(text(26312).c_str(), path);
+    case ProfileProblem::kReadError:
+    case ProfileProblem::kWriteError:
+        return NyrFormat(text(status.problem == ProfileProblem::kReadError ? 26310 : 26311).c_str(), path,
+                         NyrSystemErrorText(static_cast<unsigned long>(status.error)).c_str());
+    }
+    return {};
 }
 
 // ---- where the file lives ------------------------------------------------

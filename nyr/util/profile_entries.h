@@ -61,7 +61,13 @@
 //
 // Reads fall back to the caller's default when the file, section or entry is
 // absent; writes return 1 on success and 0 on failure (a missing or
-// read-only folder or file, a name or value refused above) and never throw.
+// read-only folder or file, a name or value refused above) and never throw;
+// NyrGetProfileError() says why. A file without any write permission bit is
+// never rewritten, not even by root. A write waits for another process's
+// lock at most NyrGetProfileLockTimeout() (5 s unless set), then fails with
+// the file left as it was. Temporaries that writers killed between creating
+// and renaming them left behind (".NAME.XXXXXX" beside the file) are removed
+// by the next successful write once they are a minute old.
 // Safe to call from any thread.
 
 class CNyrHostProfile;
@@ -120,9 +126,10 @@ public:
     // missing folders.
 
     // The entry read as a decimal integer (leading blanks, sign, digits; text
-    // after the digits is ignored, no digits read as 0, values beyond the
-    // range of int are clamped to it); `defaultValue` when the entry is
-    // absent. Negative values come back as their unsigned form: cast to int.
+    // after the digits is ignored, no digits read as 0); `defaultValue` when
+    // the entry is absent or empty. The result is unsigned and wraps modulo
+    // 2^32 as the platform's reading does: "4294967295" reads as 4294967295,
+    // "4294967296" as 0, "-5" as 4294967291 (cast to int for -5).
     static unsigned int ReadProfileInt(const std::string& file, const std::string& section, const std::string& entry,
                                        int defaultValue);
     static int WriteProfileInt(const std::string& file, const std::string& section, const std::string& entry,
@@ -191,3 +198,14 @@ NYR_EXPORT void NyrSetProfilePath(const std::string& path);
 NYR_EXPORT void NyrSetProfilePrefix(const std::string& prefix);
 // The path; the default path when none is set yet (and keeps it).
 NYR_EXPORT std::string NyrGetProfilePath();
+
+// How long a settings write waits for another process's lock on the file, in
+// milliseconds (5000 unless set; 0: not at all). Process-wide.
+NYR_EXPORT void NyrSetProfileLockTimeout(unsigned milliseconds);
+NYR_EXPORT unsigned NyrGetProfileLockTimeout();
+
+// Why the calling thread's last read or write of a settings file could not
+// use the file, as a text of the text table ("The settings file PATH is locked
+// by another program."); empty after a success and after a read that found no
+// file (which reads as absent).
+NYR_EXPORT std::string NyrGetProfileError();

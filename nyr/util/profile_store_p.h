@@ -6,17 +6,24 @@
 #include <string>
 #include <string_view>
 
+#include "nyr/util/profile_file_p.h"
+
 namespace nyr::detail {
+
+// How long a write waits for another process's lock unless the host sets it.
+constexpr unsigned kDefaultProfileLockWaitMs = 5000;
 
 // Calls use(context, value) with the value of the first matching entry of the
 // first matching section of `path`, while the cache is held; false (and no
 // call) when the file, section or entry is absent.
 //
-// The parsed file is cached. A read trusts the cache until the coarse clock
-// has moved 1 ms on from the last look at the file (one clock tick, 1 to
-// 10 ms); after that it checks size, modification time, change time and inode
-// (one stat) and parses again only when one differs. Writes of this process
-// update the cache at once.
+// Parsed files are cached by device and inode, reached from the paths that
+// led to them. A read trusts what it knows about a path until the coarse
+// clock has moved 1 ms on from its last look (one clock tick, 1 to 10 ms);
+// after that it checks inode, size, modification and change time (one stat)
+// and parses again only when one differs. A write of this process makes every
+// path look again at its next read, so the write is seen at once through any
+// path to the file.
 bool ReadProfileValue(const std::string& path, std::string_view section, std::string_view entry,
                       void (*use)(void* context, std::string_view value), void* context);
 
@@ -27,13 +34,23 @@ bool ReadProfileValue(const std::string& path, std::string_view section, std::st
         path, section, entry, [](void* f, std::string_view value) { (*static_cast<F*>(f))(value); }, &use);
 }
 
-// Sets one entry: takes the advisory lock, reads the file as it is now,
-// writes the edited text to a temporary file in the same folder and renames
-// it over the file. True on success; false for names or a value that cannot
-// be written (see profile_entries.h), a missing or unwritable folder, a
-// read-only file, a file too large to read or a lock that stays taken.
-// `createFolder` creates missing folders of `path` first (mode 0700).
+// Sets one entry: takes the advisory lock (waiting at most ProfileLockWait()
+// ms), reads the file as it is now, writes the edited text to a temporary file
+// in the same folder, renames it over the file and removes stale temporaries
+// of earlier, killed writers. True on success; false for names or a value
+// that cannot be written (see profile_entries.h), a missing or unwritable
+// folder, a read-only file, a file too large to read or a lock that stays
+// taken. `createFolder` creates missing folders of `path` first (mode 0700).
 bool WriteProfileValue(const std::string& path, std::string_view section, std::string_view entry,
                        std::string_view value, bool createFolder);
+
+// Why the calling thread's last ReadProfileValue or WriteProfileValue could
+// not use its file (kNone when it could, or when a read found no file).
+ProfileStatus LastProfileStatus();
+// The path of that operation when it failed.
+const std::string& LastProfilePath();
+
+void SetProfileLockWait(unsigned milliseconds);
+unsigned ProfileLockWait();
 
 }  // namespace nyr::detail

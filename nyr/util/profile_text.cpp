@@ -4,14 +4,11 @@
 #include <climits>
 #include <cstring>
 
+#include "nyr/platform/ascii_p.h"
+
 namespace nyr::detail {
 
 namespace {
-
-constexpr unsigned char FoldCase(unsigned char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + ('a' - 'A')) : c;
-}
 
 constexpr bool IsBlank(char c)
 {
@@ -69,12 +66,8 @@ bool SameName(std::string_view a, std::string_view b)
 {
     if (a.size() != b.size())
         return false;
-    if (std::memcmp(a.data(), b.data(), a.size()) == 0)  // names are mostly spelled alike
-        return true;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (FoldCase(static_cast<unsigned char>(a[i])) != FoldCase(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
+    // Names are mostly spelled alike.
+    return std::memcmp(a.data(), b.data(), a.size()) == 0 || ascii::EqualsNoCase(a, b);
 }
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -92,14 +85,27 @@ std::string_view TrimBlanks(std::string_view s)
     return s.substr(b, e - b);
 }
 
-int ParseLeadingInt(std::string_view s)
+namespace {
+
+// Where the digits of an integer text start: after leading blanks and line
+// breaks and a sign, which sets `negative`.
+size_t DigitsStart(std::string_view s, bool& negative)
 {
     size_t i = 0;
     while (i < s.size() && (IsBlank(s[i]) || s[i] == '\n'))
         ++i;
-    bool negative = false;
+    negative = false;
     if (i < s.size() && (s[i] == '+' || s[i] == '-'))
         negative = s[i++] == '-';
+    return i;
+}
+
+}  // namespace
+
+int ParseLeadingInt(std::string_view s)
+{
+    bool negative = false;
+    size_t i = DigitsStart(s, negative);
     // Accumulate towards the sign so that INT_MIN itself fits.
     long long v = 0;
     for (; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) {
@@ -111,6 +117,16 @@ int ParseLeadingInt(std::string_view s)
             return INT_MIN;
     }
     return static_cast<int>(v);
+}
+
+unsigned ParseProfileUnsigned(std::string_view s)
+{
+    bool negative = false;
+    size_t i = DigitsStart(s, negative);
+    uint32_t v = 0;  // wraps modulo 2^32, as the platform's reading does
+    for (; i < s.size() && ascii::IsDigit(s[i]); ++i)
+        v = v * 10 + static_cast<uint32_t>(s[i] - '0');
+    return negative ? 0u - v : v;
 }
 
 void ParseIntVector(std::string_view text, std::vector<int>& values)

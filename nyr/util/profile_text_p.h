@@ -24,6 +24,13 @@ NYR_EXPORT std::string_view TrimBlanks(std::string_view s);
 // int instead of overflowing.
 NYR_EXPORT int ParseLeadingInt(std::string_view s);
 
+// Reads an integer as the platform's private-profile integer read does:
+// leading blanks, a sign, decimal digits; text after the digits is ignored
+// and no digits read as 0. The digits accumulate modulo 2^32 and a minus
+// sign negates modulo 2^32, so "4294967295" reads as 4294967295,
+// "4294967296" as 0 and "-1" as 4294967295.
+NYR_EXPORT unsigned ParseProfileUnsigned(std::string_view s);
+
 // The integer-vector form "1;2;3;": every element ends in ";" and text after
 // the last ";" is ignored (a value without its final ";" loses its last
 // element: intended). An empty element (";" where an element should start)

@@ -100,8 +100,8 @@ private:
 class NYR_EXPORT CNyrUnitSettingsDistance : public CNyrUnitSettings
 {
 public:
-    // The selection list of distance units; defined in libNyr240Widgets
-    // (nyrwidgets/values/unit_combo_box.h).
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
+    // The selection list of distance units (nyrwidgets/values/unit_combo_box.h).
     class CUnitDistanceComboBox;
 
     CNyrUnitSettingsDistance();
@@ -117,14 +117,16 @@ public:
 
     bool IsUnitOfKind(long unit) const override;
 
-    // Selection lists (libNyr240Widgets).
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // Fills the list with the distance units in table order, each entry's
     // data its unit code, and selects the stored unit ("(###)" read with
     // default 21, so Metres when nothing is stored; when the stored code is
     // not listed, the current unit).
     void InitializeUnitDistanceComboBox(CUnitDistanceComboBox& list);
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // The unit code of the list's selected entry; -1 when none is selected.
     long GetCurrentSelection(const CUnitDistanceComboBox& list) const;
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // Makes the selected unit current and stores it; when it differs from
     // the unit that was current and `notifyRoot` is not null, sends
     // WM_NYR_UNIT_CHANGED_DISTANCE (old code, new code) synchronously to every
@@ -139,7 +141,8 @@ public:
 class NYR_EXPORT CNyrUnitSettingsAngle : public CNyrUnitSettings
 {
 public:
-    // The selection list of angle units; defined in libNyr240Widgets.
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
+    // The selection list of angle units (nyrwidgets/values/unit_combo_box.h).
     class CUnitAngleComboBox;
 
     CNyrUnitSettingsAngle();
@@ -165,13 +168,16 @@ public:
     int LimitToCircle() const { return Format().LimitToCircle(); }
     void LimitToCircle(int on) { Format().LimitToCircle(on); }
 
-    // Selection lists (libNyr240Widgets).
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // Fills the list with the angle units in table order except those in
     // `excluded` and selects the unit stored in this object's section
     // (default -1). When no listed unit is stored, the current unit is
     // selected, or the first entry when the current unit is not listed.
     void InitializeUnitAngleComboBox(CUnitAngleComboBox& list, const int* excluded = nullptr);
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
+    // The unit code of the list's selected entry; -1 when none is selected.
     long GetCurrentSelection(const CUnitAngleComboBox& list) const;
+    // Widgets only: defined in libNyr240Widgets (link Nyr240::Widgets).
     // As for distances, with WM_NYR_UNIT_CHANGED_ANGLE (also for the
     // latitude/longitude settings).
     int SaveCurrentSelection(const CUnitAngleComboBox& list, QWidget* notifyRoot);

@@ -1,6 +1,8 @@
 // Installs the Qt versions of the core's user-interface hooks when the
 // widgets library is loaded. Without a QApplication the core's headless
-// behaviour stays (no cursor; messages on standard error).
+// behaviour stays (no cursor; messages on standard error). Hosts that link
+// the library but call only the core still load it: the exported
+// Nyr240::Widgets target and nyr240widgets.pc link it with --no-as-needed.
 #include <QApplication>
 #include <QMainWindow>
 #include <QPointer>
@@ -78,12 +80,9 @@ struct InstallHooks
 {
     InstallHooks()
     {
-        CNyrUiHooks hooks;
-        hooks.beginWaitCursor = BeginWait;
-        hooks.endWaitCursor = EndWait;
-        hooks.messageBox = ShowMessage;
-        hooks.enableMainWindow = EnableMainWindow;
-        NyrSetUiHooks(hooks);
+        NyrSetWaitCursorHooks(BeginWait, EndWait);
+        NyrSetMessageBoxHook(ShowMessage);
+        NyrSetEnableMainWindowHook(EnableMainWindow);
     }
 };
 

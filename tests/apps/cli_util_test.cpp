@@ -1,4 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
 
 #include "cli_test_p.h"
 
@@ -43,6 +47,39 @@ TEST(CliUtil, IniGetsSetsAndReadsVectorsKeepingTheRestOfTheFile)
         EXPECT_EQ(Nyr(bad).exitCode, 2) << bad.size();
 }
 
+TEST(CliUtil, IniSaysWhyAFileCannotBeUsedAndLeavesItAsItWas)
+{
+    TempDir dir;
+    const std::string locked = dir.File("w.ini"), readOnly = dir.File("ro.ini"), large = dir.File("large.ini");
+    for (const std::string& file : {locked, readOnly, large})
+        WriteFile(file, "[S]\nA=1\n");
+    chmod(readOnly.c_str(), 0444);
+    std::filesystem::resize_file(large, (64 << 20) + 1);
+    nyr::test::LockHolder holder(locked);  // another program in the middle of a write
+    ASSERT_TRUE(holder.Holding());
+    const struct
+    {
+        std::vector<std::string> args;
+        std::string reason;
+    } cases[] = {
+        {{"ini", "set", "--file", locked, "S", "B", "2"}, "is locked by another program"},
+        {{"ini", "set", "--file", readOnly, "S", "A", "2"}, "is read-only"},
+        {{"ini", "get", "--file", large, "S", "A"}, "is too large"},
+        {{"ini", "get", "--file", large, "S", "A", "--default", "0"}, "is too large"},
+        {{"ini", "set", "--file", large, "S", "A", "2"}, "is too large"},
+        {{"ini", "get", "--file", dir.Path(), "S", "A"}, "is not a regular file"},
+    };
+    for (const auto& c : cases) {
+        const auto r = Nyr(c.args);
+        EXPECT_EQ(r.exitCode, 1) << c.args[1] << " " << c.args[3];
+        EXPECT_NE(r.err.find(c.reason), std::string::npos) << r.err;
+        EXPECT_FALSE(r.timedOut);
+    }
+    EXPECT_EQ(ReadFile(locked), "[S]\nA=1\n");
+    EXPECT_EQ(ReadFile(readOnly), "[S]\nA=1\n");
+    EXPECT_EQ(std::filesystem::file_size(large), (64u << 20) + 1);
+}
+
 TEST(CliUtil, Base64EncodesAndDecodesFilesAndStandardInput)
 {
     TempDir dir;
@@ -64,9 +101,55 @@ TEST(CliUtil, Base64EncodesAndDecodesFilesAndStandardInput)
 
     EXPECT_EQ(Nyr({"base64", "encode", dir.File("missing")}).exitCode, 1);
     EXPECT_EQ(Nyr({"base64", "decode", dir.Path()}).exitCode, 1);
+    for (const char* endless : {"/dev/zero", "/dev/urandom"}) {
+        const auto refused = nyr::test::RunProcess({NYR_TOOL, "base64", "encode", endless}, {}, 60);
+        EXPECT_EQ(refused.exitCode, 1) << endless;
+        EXPECT_NE(refused.err.find("not a regular file"), std::string::npos) << refused.err;
+    }
     EXPECT_EQ(Nyr({"base64", "encode", "--line", "-1"}).exitCode, 2);
     EXPECT_EQ(Nyr({"base64", "decode", "--line", "4"}).exitCode, 2);
     EXPECT_EQ(Nyr({"base64", "recode"}).exitCode, 2);
+}
+
+// Runs the tool with its standard output going to `output` and returns its
+// peak resident memory in KiB (-1 when it failed). A fresh Python starts it,
+// so that the peak is the tool's own and not this test's memory, which a
+// child shares until it runs the tool.
+long PeakKb(const std::vector<std::string>& args, const std::string& output)
+{
+    std::vector<std::string> argv = {"/usr/bin/python3", "-c",
+                                     "import resource, subprocess, sys\n"
+                                     "with open(sys.argv[1], 'wb') as out:\n"
+                                     "    code = subprocess.run(sys.argv[2:], stdout=out).returncode\n"
+                                     "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss if code == 0 else -1)\n",
+                                     output, NYR_TOOL};
+    argv.insert(argv.end(), args.begin(), args.end());
+    const auto r = nyr::test::RunProcess(argv);
+    return r.exitCode == 0 ? std::stol(r.out) : -1;
+}
+
+TEST(CliUtil, Base64OfALargeFileRunsInFlatMemory)
+{
+    // 64 MiB in, 87 MB out: memory must stay far below either.
+    constexpr long kFlatKb = 48 * 1024;
+    TempDir dir;
+    const std::string large = dir.File("large.bin"), text = dir.File("large.b64"), back = dir.File("back.bin");
+    WriteFile(large, "");
+    ASSERT_EQ(truncate(large.c_str(), 64 << 20), 0);
+
+    long peak = PeakKb({"base64", "encode", "--line", "0", large}, text);
+    EXPECT_GT(peak, 0);
+    EXPECT_LT(peak, kFlatKb) << "encoding held the file or its text in memory";
+    const std::string encoded = ReadFile(text);
+    EXPECT_EQ(encoded.size(), ((64u << 20) / 3 + 1) * 4 + 1);  // + the extra zero byte, padding and "\n"
+    EXPECT_EQ(encoded.find_first_not_of('A'), (64u << 20) / 3 * 4 + 2);  // 1 byte left: "AA" and "=="
+
+    peak = PeakKb({"base64", "decode", text}, back);
+    EXPECT_GT(peak, 0);
+    EXPECT_LT(peak, kFlatKb) << "decoding held the text or its bytes in memory";
+    const std::string decoded = ReadFile(back);
+    EXPECT_EQ(decoded.size(), 64u << 20);
+    EXPECT_EQ(decoded.find_first_not_of('\0'), std::string::npos);
 }
 
 }  // namespace

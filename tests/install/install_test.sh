@@ -15,6 +15,7 @@ test ! -e "$work/prefix/include/nyr/frame/text_table_p.h"   # private headers st
 LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/build/consumer" | grep -q '^Socket error.$'
 if [ "$widgets" = 1 ]; then
   LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/build/consumer_widgets" | grep -q '^delivered$'
+  LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/build/consumer_as_needed" | grep -q '^qt hooks$'
 fi
 
 # The same through pkg-config.
@@ -22,4 +23,9 @@ pcdir=$(dirname "$(find "$work/prefix" -name nyr240.pc | head -n1)")
 PKG_CONFIG_PATH="$pcdir" "$CXX" ${CONSUMER_FLAGS:-} -o "$work/pc_consumer" "$consumer/main.cpp" \
     $(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs nyr240)
 LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/pc_consumer" | grep -q '^Socket error.$'
+if [ "$widgets" = 1 ]; then
+  PKG_CONFIG_PATH="$pcdir" "$CXX" ${CONSUMER_FLAGS:-} -fPIC -o "$work/pc_as_needed" -Wl,--as-needed \
+      "$consumer/as_needed_main.cpp" $(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs nyr240widgets)
+  LD_LIBRARY_PATH="$work/prefix/lib:$work/prefix/lib64" "$work/pc_as_needed" | grep -q '^qt hooks$'
+fi
 echo "install test passed"

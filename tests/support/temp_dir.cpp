@@ -49,14 +49,18 @@ void WriteFile(const std::string& path, const std::string& content)
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <chrono>
+#include <csignal>
 
 extern char** environ;
 
 namespace nyr::test {
 
-ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string& input)
+ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string& input, int limitSeconds)
 {
     ProcessResult result;
     int in[2], out[2], err[2];
@@ -90,8 +94,16 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string
     }
     pollfd fds[3] = {{out[0], POLLIN, 0}, {err[0], POLLIN, 0}, {in[1], POLLOUT, 0}};
     int open = 2;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(limitSeconds);
     while (open > 0) {
-        if (poll(fds, in[1] >= 0 ? 3 : 2, -1) < 0)
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        const int ready = left.count() > 0 ? poll(fds, in[1] >= 0 ? 3 : 2, static_cast<int>(left.count())) : 0;
+        if (ready == 0) {
+            kill(pid, SIGKILL);
+            result.timedOut = true;
+            break;
+        }
+        if (ready < 0)
             break;
         for (int i = 0; i < 2; ++i) {
             if (fds[i].fd < 0 || !(fds[i].revents & (POLLIN | POLLHUP)))
@@ -117,12 +129,55 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string
             }
         }
     }
-    if (in[1] >= 0)
-        close(in[1]);
+    for (int fd : {in[1], fds[0].fd, fds[1].fd})
+        if (fd >= 0)
+            close(fd);
     int status = 0;
     waitpid(pid, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return result;
+}
+
+LockHolder::LockHolder(const std::string& path)
+{
+    int ready[2];
+    if (pipe2(ready, O_CLOEXEC) != 0)
+        return;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        const char ok = fd >= 0 && flock(fd, LOCK_EX) == 0 ? 1 : 0;
+        (void)!write(ready[1], &ok, 1);
+        for (;;)
+            pause();
+    }
+    close(ready[1]);
+    char ok = 0;
+    const bool held = pid > 0 && read(ready[0], &ok, 1) == 1 && ok == 1;
+    close(ready[0]);
+    m_pid = pid;
+    if (!held)
+        Release();
+}
+
+LockHolder::~LockHolder()
+{
+    Release();
+}
+
+void LockHolder::Release()
+{
+    if (m_pid <= 0)
+        return;
+    kill(m_pid, SIGKILL);
+    waitpid(m_pid, nullptr, 0);
+    m_pid = -1;
+}
+
+void LockHolder::Stop()
+{
+    if (m_pid > 0)
+        kill(m_pid, SIGSTOP);
 }
 
 }  // namespace nyr::test

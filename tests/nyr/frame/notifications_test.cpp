@@ -3,6 +3,7 @@
 #include <set>
 
 #include "nyr/frame/notifications.h"
+#include "tests/support/turkish_locale.h"
 
 namespace {
 
@@ -28,6 +29,20 @@ TEST(Notifications, TheSameNameAlwaysGivesTheSameNumber)
     EXPECT_EQ(NyrRegisterWindowMessage("WM_NYR_REPORTVIEW_ITEM_SELECT"), WM_NYR_REPORTVIEW_ITEM_SELECT);
     EXPECT_EQ(NyrRegisterWindowMessage("wm_nyr_reportview_item_select"), WM_NYR_REPORTVIEW_ITEM_SELECT);
     EXPECT_NE(WM_NYR_REPORTVIEW_ITEM_SELECT, WM_NYR_REPORTVIEW_ITEM_DESELECT);
+}
+
+TEST(Notifications, NamesFoldOnlyAsciiCaseWhateverTheLocale)
+{
+    const nyr::test::ScopedTurkishLocale turkish;  // as a QApplication in a Turkish session sets it
+    NYR_REQUIRE_TURKISH_LOCALE(turkish);
+    for (const char* spelling : {"wm_nyr_reportview_item_select", "WM_NYR_REPORTVIEW_ITEM_SELECT",
+                                 "Wm_Nyr_ReportView_Item_Select", "wm_nyr_REPORTVIEW_item_SELECT"})
+        EXPECT_EQ(NyrRegisterWindowMessage(spelling), WM_NYR_REPORTVIEW_ITEM_SELECT) << spelling;
+    // Letters beyond ASCII are not folded: the Turkish capital dotted I is another name.
+    EXPECT_NE(NyrRegisterWindowMessage("WM_NYR_REPORTV\xC4\xB0" "EW_ITEM_SELECT"), WM_NYR_REPORTVIEW_ITEM_SELECT);
+    const unsigned int host = NyrRegisterWindowMessage("HostApp.Ident");
+    EXPECT_EQ(NyrRegisterWindowMessage("HOSTAPP.IDENT"), host);
+    EXPECT_EQ(NyrRegisterWindowMessage("hostapp.ident"), host);
 }
 
 TEST(Notifications, HostNamesGetNewNumbersAndBadNamesNone)

@@ -6,6 +6,7 @@
 
 #include "nyr/frame/version_check.h"
 #include "nyr/platform/system_error.h"
+#include "tests/support/turkish_locale.h"
 
 namespace {
 
@@ -205,6 +206,24 @@ TEST(SystemVersionSource, ASystemWithQtSixPassesTheCombinedCheck)
     EXPECT_FALSE(NyrLoadFixedFileInfo(info, "Kernel32.Dll", &error));
     EXPECT_EQ(error, static_cast<unsigned long>(ENOENT));
     NyrResetFixedFileInfoCache();
+}
+
+TEST(SystemVersionSource, LibraryNamesFoldOnlyAsciiCaseWhateverTheLocale)
+{
+    void* qt = dlopen("libQt6Widgets.so.6", RTLD_LAZY | RTLD_NODELETE);
+    if (!qt)
+        GTEST_SKIP() << "Qt 6 Widgets is not installed";
+    dlclose(qt);
+    const nyr::test::ScopedTurkishLocale turkish;
+    NYR_REQUIRE_TURKISH_LOCALE(turkish);
+    for (const char* name : {"SHLWAPI.DLL", "shlwapi.dll", "ShFolder.Dll", "SHFOLDER.DLL", "ComCtl32.Dll",
+                             "MFC70.DLL", "mfc70.dll", "SHELL32.DLL"}) {
+        VS_FIXEDFILEINFO info{};
+        unsigned long error = 0;
+        EXPECT_TRUE(NyrLoadFixedFileInfo(info, name, &error)) << name << ": " << error;
+    }
+    VS_FIXEDFILEINFO info{};
+    EXPECT_FALSE(NyrLoadFixedFileInfo(info, "SHLWAP\xC4\xB0.DLL"));  // not ASCII: no match
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <random>
 #include <string>
@@ -139,6 +140,64 @@ TEST(Base64, DecoderStopsSkipsAndRestartsGroupsAsDocumented)
     EXPECT_EQ(NyrDecodeBase64(nullptr), 0u);
 }
 
+// `text` cut into pieces of random sizes, empty ones included.
+std::vector<std::string> Pieces(const std::string& text, std::mt19937& rng)
+{
+    std::vector<std::string> pieces;
+    for (size_t at = 0; at < text.size();) {
+        const size_t n = std::min<size_t>(text.size() - at, rng() % 300);
+        pieces.push_back(text.substr(at, n));
+        at += n;
+    }
+    pieces.emplace_back();
+    return pieces;
+}
+
+// A whole text through the streaming encoder in the given pieces, each into
+// a buffer of exactly the size the encoder asks for.
+std::string EncodeInPieces(CNyrBase64Encoder& encoder, const std::vector<std::string>& pieces)
+{
+    std::string text;
+    for (size_t i = 0; i <= pieces.size(); ++i) {
+        const size_t length = i < pieces.size() ? pieces[i].size() : 0;
+        auto buffer = std::make_unique<char[]>(encoder.MaxText(length));
+        const size_t n = i < pieces.size()
+                             ? encoder.Add(reinterpret_cast<const unsigned char*>(pieces[i].data()), length, buffer.get())
+                             : encoder.Finish(buffer.get());
+        EXPECT_LE(n, encoder.MaxText(length));
+        text.append(buffer.get(), n);
+    }
+    return text;
+}
+
+TEST(Base64, StreamsInPiecesGiveExactlyTheTextsOfTheWhole)
+{
+    std::mt19937 rng(2024);
+    CNyrBase64Encoder reused(76);
+    for (int round = 0; round < 300; ++round) {
+        const std::string data = RandomBytes(rng() % 3000, rng());
+        const unsigned line = std::vector<unsigned>{0, 1, 2, 3, 4, 5, 57, 76, 77}[rng() % 9];
+        CNyrBase64Encoder encoder(line);
+        const std::string text = EncodeInPieces(encoder, Pieces(data, rng));
+        ASSERT_EQ(text, Encode(data, line)) << data.size() << " bytes, line " << line;
+        // An encoder starts afresh after Finish.
+        ASSERT_EQ(EncodeInPieces(reused, {data}), Encode(data, 76));
+
+        // Decoding: the encoder's text with noise, stops and breaks mixed in.
+        std::string noisy = text;
+        for (int i = 0; i < 5; ++i)
+            noisy.insert(rng() % (noisy.size() + 1), 1, "!\r\n=\0 A"[rng() % 8]);
+        CNyrBase64Decoder decoder;
+        std::string bytes;
+        for (const std::string& piece : Pieces(noisy, rng)) {
+            auto buffer = std::make_unique<unsigned char[]>(piece.size() + 1);
+            bytes.append(reinterpret_cast<char*>(buffer.get()), decoder.Add(piece.data(), piece.size(), buffer.get()));
+        }
+        ASSERT_EQ(bytes, Decode(noisy.substr(0, noisy.find('\0')))) << noisy;
+        EXPECT_EQ(decoder.Ended(), noisy.find_first_of(std::string("=\0", 2)) != std::string::npos);
+    }
+}
+
 TEST(Base64, FileOverloadEncodesWholeRegularFilesOnly)
 {
     nyr::test::TempDir dir;
@@ -151,6 +210,10 @@ TEST(Base64, FileOverloadEncodesWholeRegularFilesOnly)
     EXPECT_EQ(NyrEncodeBase64(dir.Path()), "");
     ASSERT_EQ(mkfifo(dir.File("fifo").c_str(), 0600), 0);
     EXPECT_EQ(NyrEncodeBase64(dir.File("fifo")), "");  // and does not wait for a writer
+    EXPECT_EQ(NyrEncodeBase64("/dev/zero"), "");        // nor reads for ever
+    nyr::test::WriteFile(dir.File("large"), "");
+    truncate(dir.File("large").c_str(), static_cast<off_t>(kNyrMaxBase64FileSize) + 1);
+    EXPECT_EQ(NyrEncodeBase64(dir.File("large")), "");
 }
 
 }  // namespace

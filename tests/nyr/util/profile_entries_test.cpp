@@ -115,7 +115,7 @@ TEST(ProfileEntries, ReadsIntegersAndVectorsAsAtoiDoesAndEndsVectorsAtEmptyEleme
     WriteFile(file, "[V]\nneg=-5\ntrail=12abc\ntext=abc\nsigned= +7\nempty=\nhuge=99999999999\n"
                     "v1=100;200;\nv2=100;200\nv3=abc;7;\nv4=;5;\nv5=1;;2;\nv6= 3 ; 4;x\nv7=\n");
     const std::vector<std::pair<std::string, int>> ints = {
-        {"neg", -5}, {"trail", 12}, {"text", 0}, {"signed", 7}, {"empty", 0}, {"huge", INT_MAX}, {"none", 42}};
+        {"neg", -5}, {"trail", 12}, {"text", 0}, {"signed", 7}, {"empty", 42}, {"huge", 1215752191}, {"none", 42}};
     for (const auto& [entry, expected] : ints)
         EXPECT_EQ(static_cast<int>(P::ReadProfileInt(file, "V", entry, 42)), expected) << entry;
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QGuiApplication>
 #include <QMainWindow>
 #include <QWidget>
 #include <memory>
@@ -105,6 +106,43 @@ TEST(WaitCursor, ScopedAndNestedAndUsedByTheCoreHook)
         EXPECT_TRUE(CNyrWaitCursor::IsShown());
     }
     EXPECT_FALSE(CNyrWaitCursor::IsShown());
+}
+
+int g_hostMessages = 0;
+int HostMessageBox(const std::string&, const std::string&, unsigned)
+{
+    ++g_hostMessages;
+    return 2;
+}
+
+TEST(UiHooks, AHostReplacingOneHookKeepsTheLibrarysOthers)
+{
+    const CNyrUiHooks library = NyrGetUiHooks();
+    ASSERT_NE(library.messageBox, nullptr);  // the library installed its own
+    EXPECT_EQ(NyrSetMessageBoxHook(HostMessageBox), library.messageBox);
+    EXPECT_EQ(NyrMessageBox("Replace?", "Host", 1), 2);
+    EXPECT_EQ(g_hostMessages, 1);
+    {
+        const CNyrBusyCursor busy;  // still the library's Qt cursor
+        EXPECT_NE(QGuiApplication::overrideCursor(), nullptr);
+    }
+    QMainWindow window;
+    window.show();
+    NyrEnableMainWindow(false);  // and still its main-window hook
+    EXPECT_FALSE(window.isEnabled());
+    NyrEnableMainWindow(true);
+
+    EXPECT_EQ(NyrSetEnableMainWindowHook(nullptr), library.enableMainWindow);  // headless: does nothing
+    NyrEnableMainWindow(false);
+    EXPECT_TRUE(window.isEnabled());
+    NyrSetWaitCursorHooks(nullptr, nullptr);
+    {
+        const CNyrBusyCursor busy;
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    }
+    EXPECT_EQ(NyrGetUiHooks().messageBox, HostMessageBox);  // untouched by the other setters
+
+    NyrSetUiHooks(library);
 }
 
 struct HelpCall

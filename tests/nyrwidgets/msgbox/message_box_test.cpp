@@ -9,6 +9,7 @@
 #include "nyrwidgets/msgbox/message_box.h"
 #include "nyrwidgets/msgbox/message_box_settings_lookup_table.h"
 #include "tests/support/temp_dir.h"
+#include "tests/support/turkish_locale.h"
 
 namespace {
 
@@ -128,6 +129,29 @@ TEST_F(MessageBoxTest, KeysCaptionsAndTextsAsShown)
     CNyrMessageBox::ShowMessage(nullptr, "Export/Replace", "Replace a.csv?");
     EXPECT_EQ(text, "Replace a.csv?");
     EXPECT_EQ(defaultResult, NYR_IDOKTOALL);  // the last answer is the default button now
+}
+
+TEST_F(MessageBoxTest, KeysFoldOnlyAsciiCaseWhateverTheLocale)
+{
+    const nyr::test::ScopedTurkishLocale turkish;  // as a QApplication sets it in a Turkish session
+    NYR_REQUIRE_TURKISH_LOCALE(turkish);
+    ASSERT_EQ(CNyrMessageBox::AddMessage("file/edit", "Edit it?", NYR_MB_YESNO), 1);
+    CNyrMessageBox::PERSISTENT_MSG msg;
+    for (const char* key : {"file/edit", "FILE/EDIT", "File/Edit", "\\FILE\\edit\\"})
+        EXPECT_TRUE(CNyrMessageBox::LookUpMessage(key, msg)) << key;
+    EXPECT_FALSE(CNyrMessageBox::LookUpMessage("F\xC4\xB0LE/ED\xC4\xB0T", msg));  // dotted capital I: not ASCII
+
+    // The answer remembered under one spelling answers the other.
+    EXPECT_EQ(CNyrMessageBox::ShowMessage(nullptr, "FILE/EDIT"), NYR_IDYES);
+    EXPECT_EQ(CNyrMessageBox::ShowMessage(nullptr, "file/edit"), NYR_IDYES);
+    EXPECT_EQ(asked, 1);
+
+    CNyrMessageBoxSettingsLookupTable table;
+    for (const char* key : {"Import/Items", "IMPORT/Index", "import/ITEMS"})
+        table.AddMessage(CNyrMessageBox::SectionName(key), {});
+    EXPECT_EQ(table.GetSize(), 2);
+    EXPECT_TRUE(table.LookUpMessage("@NYRMESSAGEBOX\\IMPORT\\ITEMS", msg));
+    EXPECT_EQ(table.GetMessageSubKeys("@nyrmessagebox/IMPORT"), (std::vector<std::string>{"Index", "Items"}));
 }
 
 TEST_F(MessageBoxTest, TheWaitCursorGivesWayToTheDialogAndComesBack)
