@@ -277,7 +277,6 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26303, "Move &Up"},
     {26304, "Move &Down"},
     {26305, "De&faults"},
-    {26305, "&Defaults"},
     // Settings store failures
     {26306, "The settings file %s is locked by another program."},
     {26307, "The settings file %s is read-only."},
