@@ -1,10 +1,13 @@
 #include "nyrwidgets/app/progress_dialog.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QPushButton>
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/platform/string_format.h"
-#include "nyrwidgets/app/dialog.h"
+#include "nyrwidgets/frame/dialog_hook.h"
+#include "nyrwidgets/frame/wait_cursor.h"
 
 namespace {
 
@@ -94,18 +97,28 @@ void CNyrProgressDialog::Cancel()
 int CNyrProgressDialog::Run(QWidget* parent, const CNyrWorker::Job& job, QVariant* result, const QString& title)
 {
     CNyrWorker worker;
-    CNyrProgressDialog dialog(worker, parent);
-    if (!title.isEmpty())
-        dialog.setWindowTitle(title);
     int status = CNyrWorker::eFailed;
     QVariant value;
-    connect(&worker, &CNyrWorker::finished, &dialog, [&](const QVariant& r, int s) {
+    connect(&worker, &CNyrWorker::finished, &worker, [&](const QVariant& r, int s) {
         value = r;
         status = s;
     });
     if (!worker.Start(job))
         return CNyrWorker::eFailed;
-    CNyrDialog::ExecDialog(dialog);
+    CNyrProgressDialog dialog(worker, parent);
+    if (!title.isEmpty())
+        dialog.setWindowTitle(title);
+    // A short job ends before the dialog would appear: it is waited for
+    // with the busy cursor, the window repainting and the user's input held
+    // back until it ends.
+    {
+        CNyrWaitCursor wait;
+        const QDeadlineTimer deadline(dialog.minimumDuration());
+        while (worker.IsRunning() && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents, 20);
+    }
+    if (worker.IsRunning())
+        NyrExecDialog(dialog);
     worker.Wait(CNyrWorker::kStopWaitMs);
     if (result)
         *result = value;

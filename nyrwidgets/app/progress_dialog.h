@@ -31,10 +31,13 @@ public:
     // Shows the job's progress now (done on every progressChanged).
     void Update();
 
-    // Runs `job` with the dialog, modally, through CNyrDialog::ExecDialog
-    // (a test hook gets the dialog while the job runs; the job is waited
-    // for afterwards). Returns the job's CNyrWorker::eStatus and hands out
-    // its result. `title` "" keeps "Please wait...".
+    // Runs `job` on a worker and waits for it. A job that ends within
+    // minimumDuration() shows no dialog (the busy cursor, and the window
+    // repaints meanwhile); after that the dialog runs modally through
+    // NyrExecDialog until the job ends. A test hook gets the dialog while
+    // the job runs; one that leaves it open cancels the job, which is then
+    // waited for. Returns the job's CNyrWorker::eStatus and hands out its
+    // result. `title` "" keeps "Please wait...".
     static int Run(QWidget* parent, const CNyrWorker::Job& job, QVariant* result = nullptr,
                    const QString& title = {});
 

@@ -178,8 +178,9 @@ public:
     QImage ToImage(const QSize& size = QSize()) const;
     // Writes ToImage(size) as PNG; 1 when written.
     int ExportPng(const std::string& path, const QSize& size = QSize()) const;
-    // Asks for a file name and exports; a failure is reported in a message
-    // box. 1 when written.
+    // Asks for a file name (CNyrBrowse, purpose "CNyrPlanView"), and before
+    // replacing a file (CNyrBrowse::ConfirmReplace), and exports; a failure
+    // is reported in a message box. 1 when written.
     int ExportPngDialog();
 
     // ---- What the view shows ----

@@ -14,8 +14,8 @@
 #include "nyr/values/unit_settings.h"
 #include "nyr/values/units.h"
 #include "nyr/values/value_angle.h"
-#include "nyrwidgets/app/dialog.h"
 #include "nyrwidgets/values/unit_combo_box.h"
+#include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "tests/nyrwidgets/views/plan_view_test_p.h"
 #include "tests/nyrwidgets/views/views_test_p.h"
 #include "tests/support/temp_dir.h"
@@ -389,20 +389,25 @@ TEST(PlanViewOutput, RenderFitsTheViewIntoAnyRectangleAndExportsPng)
     EXPECT_EQ(QImage(QString::fromStdString(dir.File("large.png"))).size(), QSize(1200, 300));
     EXPECT_EQ(f.plan.ExportPng(dir.File("no such folder/plan.png")), 0);
 
-    // Through the dialog; a file that cannot be written is reported.
-    nyr::test::MessageLog messages;
+    // Through the dialog; a file that cannot be written is reported, one
+    // that exists is replaced only when the user agrees.
+    nyr::test::MessageLog messages(NYR_IDNO);
     std::string chosen = dir.File("chosen");
-    const auto previous = CNyrDialog::SetExecHook([&chosen](QDialog& d) {
+    nyr::test::DialogAnswer answer([&chosen](QDialog& d) {
         auto& dialog = static_cast<QFileDialog&>(d);
         EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
         dialog.selectFile(QString::fromStdString(chosen));
-        return static_cast<int>(QDialog::Accepted);
+        d.done(QDialog::Accepted);
     });
     EXPECT_EQ(f.plan.ExportPngDialog(), 1);
     EXPECT_FALSE(QImage(QString::fromStdString(chosen + ".png")).isNull());
+    EXPECT_TRUE(messages.texts.empty());
+    nyr::test::WriteFile(chosen + ".png", "kept");
+    EXPECT_EQ(f.plan.ExportPngDialog(), 0);  // answered No
+    EXPECT_EQ(nyr::test::ReadFile(chosen + ".png"), "kept");
     chosen = dir.File("no such folder/plan.png");
     EXPECT_EQ(f.plan.ExportPngDialog(), 0);
-    ASSERT_EQ(messages.texts.size(), 1u);
-    EXPECT_NE(messages.texts[0].find("no such folder/plan.png"), std::string::npos);
-    CNyrDialog::SetExecHook(previous);
+    ASSERT_EQ(messages.texts.size(), 2u);
+    EXPECT_NE(messages.texts[0].find(dir.File("chosen.png") + " already exists"), std::string::npos);
+    EXPECT_NE(messages.texts[1].find("no such folder/plan.png"), std::string::npos);
 }
