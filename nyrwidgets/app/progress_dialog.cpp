@@ -1,6 +1,7 @@
 #include "nyrwidgets/app/progress_dialog.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <QDeadlineTimer>
 #include <QPushButton>
 
@@ -12,6 +13,12 @@
 namespace {
 
 constexpr int kBarSteps = 1000;  // the bar's range: totals may pass int
+
+int& MinimumDuration()
+{
+    static int ms = 1000;
+    return ms;
+}
 
 std::string Amount(std::uint64_t value, CNyrProgress::eUnit unit)
 {
@@ -51,7 +58,7 @@ CNyrProgressDialog::CNyrProgressDialog(CNyrWorker& worker, QWidget* parent)
     setCancelButtonText(QString::fromStdString(NyrLoadString(26100)));
     setAutoClose(false);
     setAutoReset(false);
-    setMinimumDuration(1000);
+    setMinimumDuration(MinimumDurationDefault());
     // Qt's dialog hides itself on cancel; this one stays until the job stops.
     // Qt makes that connection by name, so it is undone by name.
     disconnect(this, SIGNAL(canceled()), this, SLOT(cancel()));
@@ -77,6 +84,16 @@ void CNyrProgressDialog::Update()
     setRange(0, kBarSteps);
     const std::uint64_t done = std::min(s.position, s.total);
     setValue(static_cast<int>(static_cast<double>(done) / static_cast<double>(s.total) * kBarSteps));
+}
+
+void CNyrProgressDialog::MinimumDurationDefault(int ms)
+{
+    MinimumDuration() = std::max(ms, 0);
+}
+
+int CNyrProgressDialog::MinimumDurationDefault()
+{
+    return MinimumDuration();
 }
 
 void CNyrProgressDialog::reject()

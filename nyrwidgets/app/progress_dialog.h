@@ -18,7 +18,8 @@
 //   work was done).
 // Cancel, Escape and the close box cancel the job: the dialog then shows
 // "Cancelling..." until the job has stopped. It appears when the job takes
-// longer than minimumDuration() (1 s) and closes when it ends.
+// longer than minimumDuration() (MinimumDurationDefault) and closes when it
+// ends.
 class NYR_EXPORT CNyrProgressDialog : public QProgressDialog
 {
     Q_OBJECT
@@ -30,6 +31,11 @@ public:
 
     // Shows the job's progress now (done on every progressChanged).
     void Update();
+
+    // How long a job runs before its dialog appears, in ms, for dialogs made
+    // from now on: 1000 unless set; 0 shows it at once.
+    static void MinimumDurationDefault(int ms);
+    static int MinimumDurationDefault();
 
     // Runs `job` on a worker and waits for it. A job that ends within
     // minimumDuration() shows no dialog (the busy cursor, and the window

@@ -117,9 +117,8 @@ void CNyrPlanView::Private::DrawOverlays(QPainter& painter) const
         painter.setFont(q->font());
         const QFontMetrics metrics(q->font());
         const QRect box(4, 4, metrics.horizontalAdvance(cursorText) + 8, metrics.height() + 2);
-        QColor back = q->palette().color(QPalette::Base);
-        back.setAlpha(210);
-        painter.fillRect(box, back);
+        // Opaque: labels beneath would show through as jumbled text.
+        painter.fillRect(box, q->palette().color(QPalette::Base));
         painter.setPen(q->palette().color(QPalette::Text));
         painter.drawText(box, Qt::AlignCenter, cursorText);
     }

@@ -118,6 +118,7 @@ void CMainWindow::UpdateTitle()
 {
     const QString name = m_path.isEmpty() ? QText(m_titleId) : QFileInfo(m_path).fileName();
     setWindowTitle((m_view->IsModified() ? "*" : "") + name + " - " + QText(TxtAppName));
+    m_view->SetPrintTitle((name + " - " + QText(TxtAppName)).toStdString());
     m_view->SetFileStem(FileStem());
 }
 

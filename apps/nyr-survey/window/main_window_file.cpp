@@ -132,6 +132,7 @@ bool CMainWindow::GenerateTestData(std::size_t count)
         },
         nullptr, QText(TxtGenerating).arg(count));
     if (status != CNyrWorker::eDone) {
+        CNyrLogFile::Default().Info("Generating " + std::to_string(count) + " test points was cancelled");
         statusBar()->showMessage(QText(TxtGenerateCancelled));
         return false;
     }

@@ -23,7 +23,7 @@ struct ColumnLook
 
 // Pixels, alignment and hidden default of each eColumn.
 constexpr ColumnLook kLook[ColCount] = {
-    {90, LVCFMT_LEFT, 0},   {60, LVCFMT_LEFT, 0},   {120, LVCFMT_RIGHT, 0}, {120, LVCFMT_RIGHT, 0},
+    {110, LVCFMT_LEFT, 0},  {60, LVCFMT_LEFT, 0},   {120, LVCFMT_RIGHT, 0}, {120, LVCFMT_RIGHT, 0},
     {90, LVCFMT_RIGHT, 0},  {150, LVCFMT_RIGHT, 0}, {150, LVCFMT_RIGHT, 0}, {150, LVCFMT_LEFT, 0},
     {70, LVCFMT_RIGHT, 0},  {100, LVCFMT_RIGHT, 0}, {110, LVCFMT_RIGHT, 0}, {130, LVCFMT_RIGHT, 0},
 };
