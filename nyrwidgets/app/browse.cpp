@@ -1,8 +1,14 @@
 #include "nyrwidgets/app/browse.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontMetrics>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListView>
+#include <QTreeView>
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
@@ -65,6 +71,21 @@ void StartIn(QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& initial
                                                                                         : QDir::homePath());
 }
 
+// Room for a file's name, size, type and date side by side, and for the
+// places beside them: Qt's own layout cuts them short.
+void MakeRoom(QFileDialog& dialog)
+{
+    const QFontMetrics metrics(dialog.font());
+    dialog.resize(dialog.size().expandedTo(QSize(metrics.averageCharWidth() * 120, metrics.height() * 28)));
+    if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+        for (int column = 1; column < files->header()->count(); ++column)
+            files->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    }
+    if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar")))
+        places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth() + 8);
+}
+
 void Configure(QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& filter, const std::string& section)
 {
     const KindTexts& texts = Texts(kind);
@@ -72,6 +93,11 @@ void Configure(QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& filte
     dialog.setWindowTitle(Text(texts.title));
     dialog.setLabelText(QFileDialog::FileName, Text(texts.prompt));
     dialog.setLabelText(QFileDialog::FileType, Text(26070));
+    // Qt gives the file type label no buddy, so its mnemonic would show as
+    // a plain "&" and its key would do nothing.
+    if (auto* type = dialog.findChild<QLabel*>(QStringLiteral("fileTypeLabel")))
+        type->setBuddy(dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo")));
+    MakeRoom(dialog);
     dialog.setLabelText(QFileDialog::Accept, Text(save ? 26480 : 26067));
     dialog.setLabelText(QFileDialog::Reject, Text(26100));
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);

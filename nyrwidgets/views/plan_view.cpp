@@ -317,7 +317,9 @@ void CNyrPlanView::paintEvent(QPaintEvent*)
         ZoomToAll();
     QPainter painter(this);
     d->drawnLabels.clear();
+    d->onScreen = true;  // labels keep clear of the cursor read-out too
     Render(painter, QRectF(rect()), &d->drawnLabels);
+    d->onScreen = false;
     d->DrawOverlays(painter);
 }
 

@@ -89,7 +89,6 @@ private:
     void Run(eAction action);
     void Open();
     void SaveAs();
-    void EditFocusedPoint();
     void ShowAbout();
     void UpdateTitle();
     void LoadProject(ProjectData loaded);

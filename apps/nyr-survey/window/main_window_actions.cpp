@@ -167,7 +167,10 @@ void CMainWindow::Run(eAction action)
     case ActSaveAs: SaveAs(); break;
     case ActSend: SendPoints(this, m_view->ChosenPoints()); break;
     case ActSample: OpenSample(); break;
-    case ActEditPoint: EditFocusedPoint(); break;
+    case ActEditPoint:
+        if (const int real = m_view->FocusedRealItem(); real >= 0)
+            m_view->EditPoint(static_cast<unsigned int>(real));
+        break;
     case ActGenerate: GenerateTestData(1000000); break;
     case ActExit: close(); break;
     case ActSetBase:

@@ -160,8 +160,10 @@ std::string CMainWindow::FileStem() const
 // started in the folder of the last points file.
 QString CMainWindow::AskFileName(bool save)
 {
-    return save ? CNyrBrowse::BrowseForSaveFile(this, kPointsPurpose, m_path, QText(TxtCsvFilter))
-                : CNyrBrowse::BrowseForFile(this, kPointsPurpose, {}, QText(TxtCsvFilter));
+    if (save)
+        return CNyrBrowse::BrowseForSaveFile(this, kPointsPurpose, m_path, QText(TxtCsvFilter));
+    return CNyrBrowse::Browse(this, CNyrBrowse::eFile, kPointsPurpose, {}, QText(TxtCsvFilter),
+                              QText(TxtOpen).remove('&').remove("..."));
 }
 
 void CMainWindow::Open()
@@ -176,18 +178,6 @@ void CMainWindow::SaveAs()
     const QString path = AskFileName(true);
     if (!path.isEmpty())
         SaveFile(path);
-}
-
-void CMainWindow::EditFocusedPoint()
-{
-    int real = m_view->GetFocusedRealItem();
-    if (real < 0 || !m_view->GetRealItemSelected(static_cast<unsigned int>(real))) {
-        std::vector<unsigned int> selected;
-        m_view->GetSelectedRealItems(selected);
-        real = selected.empty() ? real : static_cast<int>(selected.front());
-    }
-    if (real >= 0)
-        m_view->EditPoint(static_cast<unsigned int>(real));
 }
 
 }  // namespace survey

@@ -102,7 +102,7 @@ std::vector<const CSurveyPoint*> CPointView::ChosenPoints() const
     return points;
 }
 
-bool CPointView::SetBaseFromFocus()
+int CPointView::FocusedRealItem() const
 {
     int real = GetFocusedRealItem();
     if (real < 0 || !GetRealItemSelected(static_cast<unsigned int>(real))) {
@@ -110,6 +110,12 @@ bool CPointView::SetBaseFromFocus()
         GetSelectedRealItems(selected);
         real = selected.empty() ? real : static_cast<int>(selected.front());
     }
+    return real;
+}
+
+bool CPointView::SetBaseFromFocus()
+{
+    const int real = FocusedRealItem();
     const auto* point = real >= 0 ? static_cast<const CSurveyPoint*>(GetRealItem(static_cast<unsigned int>(real)))
                                   : nullptr;
     if (!point || !point->IsVisible())

@@ -47,8 +47,10 @@ public:
     // selected ones.
     std::vector<const CSurveyPoint*> ChosenPoints() const;
 
-    // Makes the focused (or else the first selected) point the base; false
-    // when there is none.
+    // The focused point when it is selected, else the first selected one,
+    // else the focused one; -1 for none.
+    int FocusedRealItem() const;
+    // Makes that point the base; false when there is none.
     bool SetBaseFromFocus();
 
     // Makes the point named `name` the base, or the first point shown when

@@ -2,10 +2,12 @@
 // read-out in the user's units, labels, and its images.
 #include <QApplication>
 #include <QFileDialog>
+#include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTest>
 #include <QWheelEvent>
+#include <algorithm>
 #include <clocale>
 #include <random>
 
@@ -347,6 +349,36 @@ TEST(PlanViewLabels, LabelsNeverOverlapAndCrowdedOnesGoByPriority)
     g.plan.SetLabels(false);
     (void)g.plan.grab();
     EXPECT_TRUE(g.plan.GetDrawnLabels().empty());
+}
+
+// The read-out is drawn over the plan: a label under it came out as two
+// texts on top of each other.
+TEST(PlanViewLabels, LabelsKeepClearOfTheCursorReadOutOnScreenOnly)
+{
+    PlanFixture f;
+    f.AddGrid(12, 9, 10.0);
+    f.plan.ZoomToAll();
+    const auto underReadOut = [&f](const std::vector<CNyrPlanView::LABEL>& labels) {
+        const QFontMetrics metrics(f.plan.font());
+        const QString text = f.plan.GetCursorText().isEmpty() ? "E 500000.0  N 5400000.0 m" : f.plan.GetCursorText();
+        const QRectF box(4, 4, metrics.horizontalAdvance(text) + 8, metrics.height() + 2);
+        return std::count_if(labels.begin(), labels.end(), [&box](const auto& l) { return l.rect.intersects(box); });
+    };
+    (void)f.plan.grab();
+    ASSERT_GT(underReadOut(f.plan.GetDrawnLabels()), 0);  // the corner is crowded
+    QMouseEvent move(QEvent::MouseMove, QPointF(200, 150), f.plan.mapToGlobal(QPointF(200, 150)), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&f.plan, &move);
+    ASSERT_FALSE(f.plan.GetCursorText().isEmpty());
+    (void)f.plan.grab();
+    EXPECT_EQ(underReadOut(f.plan.GetDrawnLabels()), 0);
+    nyr::test::ExpectApart(f.plan.GetDrawnLabels(), QRectF(f.plan.rect()));
+    // An image of the plan has no read-out, so nothing gives way for it.
+    std::vector<CNyrPlanView::LABEL> printed;
+    QImage image(400, 300, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    f.plan.Render(painter, QRectF(0, 0, 400, 300), &printed);
+    EXPECT_GT(underReadOut(printed), 0);
 }
 
 TEST(PlanViewOutput, RenderFitsTheViewIntoAnyRectangleAndExportsPng)
