@@ -307,6 +307,8 @@ bool CNyrPlanView::event(QEvent* e)
     }
     if (e->type() == QEvent::PaletteChange)
         d->sprites.clear();
+    if (e->type() == QEvent::LanguageChange)
+        d->UpdateCursorText();  // "E" and "N" come from the text table
     return QWidget::event(e);
 }
 

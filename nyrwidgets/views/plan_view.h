@@ -71,7 +71,9 @@ public:
 // unit (bottom right) and, on screen, the coordinates under the cursor in
 // that unit with, given a projection, latitude and longitude in the
 // geographic angle unit (top left); it redraws on
-// WM_NYR_UNIT_CHANGED_DISTANCE and WM_NYR_UNIT_CHANGED_ANGLE.
+// WM_NYR_UNIT_CHANGED_DISTANCE and WM_NYR_UNIT_CHANGED_ANGLE, and writes the
+// read-out anew on QEvent::LanguageChange (a host that switches the text
+// table sends it).
 class NYR_EXPORT CNyrPlanView : public QWidget
 {
     Q_OBJECT

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QRadioButton>
 #include <QTest>
 #include <QTimer>
@@ -283,7 +284,8 @@ void CTourRunner::StepGerman()
     const CPointView& view = *m_window->View();
     for (int c = 0; c < view.GetColumnCount(); ++c)
         texts << "column: " + QString::fromStdString(view.GetColumnLabel(c));
-    texts << "status: " + m_window->StatusText() << "title: " + m_window->windowTitle();
+    texts << "status: " + m_window->StatusText() << "title: " + m_window->windowTitle()
+          << "message: " + m_window->statusBar()->currentMessage() << "plan: " + m_window->Plan()->GetCursorText();
     QFile file(File("texts-de.txt"));
     Check(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write((texts.join('\n') + '\n').toUtf8()) > 0,
           "texts-de.txt is written");

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QStatusBar>
 
 #include "apps/nyr-survey/app/language.h"
 #include "apps/nyr-survey/app/settings.h"
@@ -155,6 +156,9 @@ void CMainWindow::Retranslate()
     m_actions[CurrentLanguage() == LanguageGerman ? ActGerman : ActEnglish]->setChecked(true);
     m_unitBar->Retranslate();
     m_view->UpdateColumnLabels();
+    QEvent changed(QEvent::LanguageChange);
+    QApplication::sendEvent(m_plan, &changed);
+    statusBar()->clearMessage();  // said in the language before
     UpdateTitle();
     UpdateStatus();
 }

@@ -136,7 +136,7 @@ TEST_F(Tour, ShowsTheWindowInGerman)
     const std::string texts = nyr::test::ReadFile(Out("texts-de.txt"));
     for (const char* german : {"menu: &Datei", "menu: &Bearbeiten", "menu: Ein&stellungen", "column: Punkt",
                                "column: Rechtswert [fts]", "column: Höhe [fts]", "column: Azimut [gon]",
-                               "298 Punkte", "Standpunkt: TP 101"})
+                               "298 Punkte", "Standpunkt: TP 101", "\nmessage: \n", "plan: O "})
         EXPECT_NE(texts.find(german), std::string::npos) << german << "\n" << texts;
 }
 
