@@ -1,6 +1,7 @@
 // nyr-survey: survey points on the Nyr240 library.
 //
-//   nyr-survey [--settings FILE] [POINTS_FILE]    the window, on the file or the sample project
+//   nyr-survey [--settings FILE] [POINTS_FILE]    the window, on the file or the sample project; when
+//                                                 it runs already, the file opens there instead
 //   nyr-survey [--settings FILE] --tour OUTDIR    the scripted tour on the current platform
 //   nyr-survey --generate COUNT FILE              writes COUNT test points (no window)
 #include <QApplication>
@@ -15,6 +16,8 @@
 #include "apps/nyr-survey/project/survey_point.h"
 #include "apps/nyr-survey/tour/tour.h"
 #include "apps/nyr-survey/window/main_window.h"
+#include "nyr/app/log_file.h"
+#include "nyrwidgets/app/single_instance.h"
 
 namespace {
 
@@ -46,6 +49,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName("nyr-survey");
     QApplication::setOrganizationName("Nyr240");
+    QApplication::setApplicationVersion(NYR_SURVEY_VERSION);
     QCommandLineParser parser;
     parser.setApplicationDescription("Survey points on the Nyr240 library.");
     parser.addHelpOption();
@@ -75,10 +79,25 @@ int main(int argc, char** argv)
         survey::InitializeApplication(ini.toStdString());
         return survey::RunTour(dir);
     }
+    // One window per user and desktop: a later start hands its files over.
+    CNyrSingleInstance guard;
+    switch (guard.Start(files)) {
+    case CNyrSingleInstance::eHandedOver: return 0;
+    case CNyrSingleInstance::eFailed:
+        std::fprintf(stderr, "nyr-survey: %s\n", qPrintable(guard.ErrorText()));
+        break;  // on its own, then
+    default: break;
+    }
     survey::InitializeApplication(parser.value(settings).toStdString());
+    CNyrLogFile::Default().Info("Nyr Survey " NYR_SURVEY_VERSION " started");
     survey::CMainWindow window;
-    if (files.isEmpty() || !window.OpenFile(files.front()))
+    guard.SetWindow(&window);
+    QObject::connect(&guard, &CNyrSingleInstance::argumentsReceived, &window,
+                     &survey::CMainWindow::OpenHandedOver);
+    if (files.isEmpty() || !window.OpenFile(files.back()))
         window.OpenSample();
     window.show();
-    return app.exec();
+    const int status = app.exec();
+    CNyrLogFile::Default().Info("Nyr Survey ended");
+    return status;
 }

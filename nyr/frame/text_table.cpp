@@ -369,6 +369,8 @@ constexpr CNyrBuiltinText kTexts[] = {
     {26467, "Export Plan"},
     {26468, "The image could not be written to %s."},
     {26469, "E %s  N %s %s"},
+    // Shared by the library's dialogs
+    {26480, "Save"},
     // Tool tips of small tool buttons
     {56118, "Browse"},
     {56119, "Clear"},

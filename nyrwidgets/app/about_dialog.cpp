@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "nyr/app/about_report.h"
 #include "nyr/frame/resource_module.h"
 #include "nyr/platform/string_format.h"
 
@@ -19,7 +18,8 @@ struct CNyrAboutDialog::Private
     QPushButton* copy = nullptr;
 };
 
-CNyrAboutDialog::CNyrAboutDialog(QWidget* parent, const QString& appName, const QString& appVersion)
+CNyrAboutDialog::CNyrAboutDialog(QWidget* parent, const QString& appName, const QString& appVersion,
+                                 const std::vector<CNyrAboutLine>& more)
     : CNyrDialog(parent, {}, eOK), d(std::make_unique<Private>())
 {
     const std::string name = (appName.isEmpty() ? QCoreApplication::applicationName() : appName).toStdString();
@@ -28,7 +28,9 @@ CNyrAboutDialog::CNyrAboutDialog(QWidget* parent, const QString& appName, const 
     setWindowTitle(QString::fromStdString(NyrFormat(NyrLoadString(26423).c_str(), name.c_str())));
 
     const std::string qt = NyrFormat(NyrLoadString(26431).c_str(), qVersion(), QT_VERSION_STR);
-    const std::vector<CNyrAboutLine> lines = NyrAboutLines(name, version, {{NyrLoadString(26426), qt}});
+    std::vector<CNyrAboutLine> extra{{NyrLoadString(26426), qt}};
+    extra.insert(extra.end(), more.begin(), more.end());
+    const std::vector<CNyrAboutLine> lines = NyrAboutLines(name, version, extra);
     d->text = NyrAboutText(lines);
 
     auto* form = new QFormLayout;
@@ -62,8 +64,8 @@ void CNyrAboutDialog::CopyToClipboard() const
     QGuiApplication::clipboard()->setText(QString::fromStdString(d->text));
 }
 
-void CNyrAboutDialog::ShowAbout(QWidget* parent)
+void CNyrAboutDialog::ShowAbout(QWidget* parent, const std::vector<CNyrAboutLine>& more)
 {
-    CNyrAboutDialog dialog(parent);
+    CNyrAboutDialog dialog(parent, {}, {}, more);
     dialog.Exec();
 }

@@ -1,14 +1,21 @@
 #include "nyrwidgets/app/browse.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontMetrics>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListView>
+#include <QTreeView>
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/util/profile_entries.h"
-#include "nyrwidgets/app/dialog.h"
+#include "nyrwidgets/frame/dialog_hook.h"
+#include "nyrwidgets/msgbox/message_box.h"
 
 namespace {
 
@@ -26,6 +33,7 @@ const KindTexts& Texts(CNyrBrowse::eKind kind)
         {"Executable", 26056, 26057, 26096},
         {"Program", 26058, 26059, 26096},
         {"Library", 26060, 26061, 26098},
+        {"Save", 26068, 26069, 26096},
     };
     return texts[kind];
 }
@@ -63,23 +71,46 @@ void StartIn(QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& initial
                                                                                         : QDir::homePath());
 }
 
+// Room for a file's name, size, type and date side by side, and for the
+// places beside them: Qt's own layout cuts them short.
+void MakeRoom(QFileDialog& dialog)
+{
+    const QFontMetrics metrics(dialog.font());
+    dialog.resize(dialog.size().expandedTo(QSize(metrics.averageCharWidth() * 120, metrics.height() * 28)));
+    if (auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+        for (int column = 1; column < files->header()->count(); ++column)
+            files->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    }
+    if (auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar")))
+        places->setMinimumWidth(places->sizeHintForColumn(0) + 4 * places->frameWidth() + 8);
+}
+
 void Configure(QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& filter, const std::string& section)
 {
     const KindTexts& texts = Texts(kind);
+    const bool save = kind == CNyrBrowse::eSaveFile;
     dialog.setWindowTitle(Text(texts.title));
     dialog.setLabelText(QFileDialog::FileName, Text(texts.prompt));
     dialog.setLabelText(QFileDialog::FileType, Text(26070));
-    dialog.setLabelText(QFileDialog::Accept, Text(26067));
+    // Qt gives the file type label no buddy, so its mnemonic would show as
+    // a plain "&" and its key would do nothing.
+    if (auto* type = dialog.findChild<QLabel*>(QStringLiteral("fileTypeLabel")))
+        type->setBuddy(dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo")));
+    MakeRoom(dialog);
+    dialog.setLabelText(QFileDialog::Accept, Text(save ? 26480 : 26067));
     dialog.setLabelText(QFileDialog::Reject, Text(26100));
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     if (kind == CNyrBrowse::eFolder) {
         dialog.setFileMode(QFileDialog::Directory);
         dialog.setOption(QFileDialog::ShowDirsOnly);
         return;
     }
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    const QStringList filters =
-        CNyrBrowse::NameFilters(kind == CNyrBrowse::eFile && !filter.isEmpty() ? filter : Text(texts.filter));
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    // Qt's own question would bypass the library's (ConfirmReplace).
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, save);
+    const bool own = (kind == CNyrBrowse::eFile || save) && !filter.isEmpty();
+    const QStringList filters = CNyrBrowse::NameFilters(own ? filter : Text(texts.filter));
     dialog.setNameFilters(filters);
     const int type = static_cast<int>(
         CNyrProfileEntries::ReadNyrProfileInt(section, CNyrProfileEntries::SelectFilenameEntryFileType(), 0));
@@ -100,25 +131,46 @@ void Remember(const QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& 
     CNyrProfileEntries::WriteNyrProfileInt(section, CNyrProfileEntries::SelectFilenameEntryFileType(), type);
 }
 
+// A name to save under without a suffix takes the first pattern's of the
+// chosen filter ("Points (*.csv *.txt)" gives ".csv"); "*" adds none.
+QString WithSuffix(const QString& chosen, const QString& nameFilter)
+{
+    if (!QFileInfo(chosen).suffix().isEmpty())
+        return chosen;
+    const qsizetype open = nameFilter.lastIndexOf('(');
+    const QString first = nameFilter.mid(open + 1).section(' ', 0, 0).remove(')');
+    return first.startsWith("*.") && first.size() > 2 && first.count('*') == 1 ? chosen + first.mid(1) : chosen;
+}
+
+std::string& ReplaceKey()
+{
+    static std::string key;
+    return key;
+}
+
 }  // namespace
 
 QString CNyrBrowse::Browse(QWidget* parent, eKind kind, const QString& purpose, const QString& initial,
-                           const QString& filter)
+                           const QString& filter, const QString& title)
 {
-    if (kind < eFolder || kind > eLibrary)
+    if (kind < eFolder || kind > eSaveFile)
         return {};
     const std::string section = SettingsSection(purpose.isEmpty() ? QString(Texts(kind).name) : purpose);
     QFileDialog dialog(parent);
     Configure(dialog, kind, filter, section);
+    if (!title.isEmpty())
+        dialog.setWindowTitle(title);
     StartIn(dialog, kind, initial, section);
-    if (CNyrDialog::ExecDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    if (NyrExecDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return {};
-    const QString chosen = QFileInfo(dialog.selectedFiles().first()).absoluteFilePath();
+    QString chosen = QFileInfo(dialog.selectedFiles().first()).absoluteFilePath();
+    if (kind == eSaveFile)
+        chosen = WithSuffix(chosen, dialog.selectedNameFilter());
     Remember(dialog, kind, chosen, section);
     const QFileInfo file(chosen);
     if (WantsExecutable(kind) && !(file.isFile() && file.isExecutable())) {
         NyrMessageBox(NyrFormat(NyrLoadString(26441).c_str(), chosen.toStdString().c_str()),
-                      Text(Texts(kind).title).toStdString(), 0x30 /* warning icon */);
+                      dialog.windowTitle().toStdString(), NYR_MB_ICONWARNING);
         return {};
     }
     return chosen;
@@ -148,6 +200,37 @@ QString CNyrBrowse::BrowseForProgram(QWidget* parent, const QString& purpose, co
 QString CNyrBrowse::BrowseForLibrary(QWidget* parent, const QString& purpose, const QString& initial)
 {
     return Browse(parent, eLibrary, purpose, initial);
+}
+
+QString CNyrBrowse::BrowseForSaveFile(QWidget* parent, const QString& purpose, const QString& initial,
+                                      const QString& filter)
+{
+    return Browse(parent, eSaveFile, purpose, initial, filter);
+}
+
+bool CNyrBrowse::ConfirmReplace(QWidget* parent, const QString& path, const QString& caption)
+{
+    if (!QFileInfo::exists(path))
+        return true;
+    const std::string text = NyrFormat(NyrLoadString(26274).c_str(), path.toStdString().c_str());
+    const std::string title = caption.toStdString();
+    const std::string& key = ReplaceKey();
+    if (key.empty())
+        return NyrMessageBox(text, title, NYR_MB_YESNO | NYR_MB_ICONQUESTION) == NYR_IDYES;
+    CNyrMessageBox::PERSISTENT_MSG registered;
+    const unsigned style = CNyrMessageBox::LookUpMessage(key.c_str(), registered) ? registered.style
+                                                                                  : NYR_MB_YESNO | NYR_MB_ICONQUESTION;
+    return CNyrMessageBox::ShowMessageDialog(key.c_str(), parent, text.c_str(), title.c_str(), style) == NYR_IDYES;
+}
+
+void CNyrBrowse::ReplaceMessageKeyDefault(const std::string& key)
+{
+    ReplaceKey() = key;
+}
+
+std::string CNyrBrowse::ReplaceMessageKeyDefault()
+{
+    return ReplaceKey();
 }
 
 QStringList CNyrBrowse::NameFilters(const QString& filter)

@@ -19,6 +19,9 @@ class QWidget;
 //   eProgram    "Browse for Program" ("Select a program:")       executable files; starts in
 //                                                                /usr/bin the first time
 //   eLibrary    "Browse for Library" ("Select a library:")       26098 (shared objects)
+//   eSaveFile   "Save As" ("File &name:"), a new or existing     the caller's, else 26096
+//               file; a name without a suffix gets the first
+//               pattern's of the chosen filter ("x" -> "x.csv")
 //
 // The folder the user ended in is remembered per purpose in the settings
 // file (section "CNyrBrowse/PURPOSE", "Last Folder"), with the file type
@@ -27,8 +30,9 @@ class QWidget;
 // be one is refused with the message "The file %s is not an executable
 // program." and gives "".
 //
-// Modal: the dialog runs through CNyrDialog::ExecDialog, so tests answer it
-// through CNyrDialog::SetExecHook (the hook receives the QFileDialog).
+// Modal: the dialog runs through NyrExecDialog, so tests answer it through
+// NyrSetDialogHook (the hook receives the QFileDialog). Browsing never asks
+// whether a file may be replaced: the caller does, with ConfirmReplace.
 class NYR_EXPORT CNyrBrowse
 {
 public:
@@ -39,15 +43,17 @@ public:
         eExecutable,
         eProgram,
         eLibrary,
+        eSaveFile,
     };
 
     // The chosen path, absolute; "" when the user cancelled. `purpose`
     // names the use ("Import", "Export", ...; "" is the kind's own);
     // `initial` is a folder, or a file to preselect, to start in instead of
     // the remembered folder; `filter` (eFile only) is in the library's form
-    // "Text Files (*.txt)|*.txt|All Files (*.*)|*.*||".
+    // "Text Files (*.txt)|*.txt|All Files (*.*)|*.*||"; `title` replaces
+    // the kind's title.
     static QString Browse(QWidget* parent, eKind kind, const QString& purpose = {}, const QString& initial = {},
-                          const QString& filter = {});
+                          const QString& filter = {}, const QString& title = {});
 
     static QString BrowseForFolder(QWidget* parent, const QString& purpose = {}, const QString& initial = {});
     static QString BrowseForFile(QWidget* parent, const QString& purpose = {}, const QString& initial = {},
@@ -55,6 +61,20 @@ public:
     static QString BrowseForExecutable(QWidget* parent, const QString& purpose = {}, const QString& initial = {});
     static QString BrowseForProgram(QWidget* parent, const QString& purpose = {}, const QString& initial = {});
     static QString BrowseForLibrary(QWidget* parent, const QString& purpose = {}, const QString& initial = {});
+    static QString BrowseForSaveFile(QWidget* parent, const QString& purpose = {}, const QString& initial = {},
+                                     const QString& filter = {});
+
+    // Before the library (or its host) replaces the file `path`: true when
+    // there is no such file or the user answers Yes to "The file %s already
+    // exists. Do you want to replace it?" (26274) under `caption`. The
+    // question is a plain message box, or, once the host named one with
+    // ReplaceMessageKeyDefault, that managed message (CNyrMessageBox), with
+    // its "Do not prompt in future": then every question of the library and
+    // the host about replacing a file shares one remembered answer.
+    static bool ConfirmReplace(QWidget* parent, const QString& path, const QString& caption = {});
+    // The managed message's key; "" (the default) for the plain question.
+    static void ReplaceMessageKeyDefault(const std::string& key);
+    static std::string ReplaceMessageKeyDefault();
 
     // QFileDialog name filters from the library's form: pairs of
     // description and patterns separated by "|", ending at an empty

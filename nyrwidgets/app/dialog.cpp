@@ -10,19 +10,15 @@
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/util/profile_entries.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/help_app.h"
+#include "nyrwidgets/input/input_dialog.h"
 
 namespace {
 
 constexpr int kMarginUnits = 7;
 constexpr int kSpacingUnits = 4;
 constexpr unsigned kHelpContext = 1;  // the help command that shows a context's topic
-
-CNyrDialog::ExecHook& Hook()
-{
-    static CNyrDialog::ExecHook hook;
-    return hook;
-}
 
 int StoredInt(const std::string& section, const char* entry)
 {
@@ -86,12 +82,7 @@ CNyrDialog::CNyrDialog(QWidget* parent, const std::string& settingsSection, unsi
     if (d->buttons[0])
         d->buttons[0]->setDefault(true);
     layout->addWidget(d->box);
-    connect(d->box, &QDialogButtonBox::accepted, this, [this] {
-        if (OnOK()) {
-            emit applied();
-            accept();
-        }
-    });
+    connect(d->box, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(d->box, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(d->box, &QDialogButtonBox::helpRequested, this, [this] { OnHelp(); });
     if (d->buttons[2])
@@ -148,21 +139,15 @@ const std::string& CNyrDialog::SettingsSection() const
 
 int CNyrDialog::Exec()
 {
-    return ExecDialog(*this);
+    return NyrExecDialog(*this);
 }
 
-CNyrDialog::ExecHook CNyrDialog::SetExecHook(ExecHook hook)
+void CNyrDialog::accept()
 {
-    ExecHook previous = std::move(Hook());
-    Hook() = std::move(hook);
-    return previous;
-}
-
-int CNyrDialog::ExecDialog(QDialog& dialog)
-{
-    if (const ExecHook hook = Hook())  // a copy: the hook may replace itself
-        return hook(dialog);
-    return dialog.exec();
+    if (NyrValidateInputControls(this) || !OnOK())
+        return;
+    emit applied();
+    QDialog::accept();
 }
 
 bool CNyrDialog::OnOK()
@@ -182,7 +167,7 @@ void CNyrDialog::OnHelp()
 
 void CNyrDialog::Apply()
 {
-    if (OnApply())
+    if (!NyrValidateInputControls(this) && OnApply())
         emit applied();
 }
 

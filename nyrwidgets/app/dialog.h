@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -19,8 +18,12 @@ class QVBoxLayout;
 // character width across, an eighth of its height down): 7 units of margin
 // around the dialog, 4 between controls.
 //
-// OK calls OnOK() and closes with Accepted when it returns true; Apply
-// calls OnApply(); Cancel, Escape and the close box close with Rejected;
+// OK (and Enter, and accept()) first validates the dialog's typed input
+// fields in tab order (NyrValidateInputControls: the first that fails gets
+// the focus and shows its message, and the dialog stays), then calls OnOK()
+// and closes with Accepted when it returns true; Apply validates likewise,
+// then calls OnApply(). Cancel, Escape, the close box and reject() close
+// with Rejected and never validate (nor does leaving a field for Cancel);
 // Help and F1 call OnHelp(), which asks CNyrHelpApp for help on
 // HelpContext().
 //
@@ -64,22 +67,14 @@ public:
 
     const std::string& SettingsSection() const;
 
-    // Runs the dialog modally (through the test seam below) and returns its
-    // result: QDialog::Accepted or Rejected, or what done() was given.
+    // Runs the dialog modally through NyrExecDialog (the seam that lets
+    // tests and scripted hosts answer it) and returns its result:
+    // QDialog::Accepted or Rejected, or what done() was given.
     int Exec();
 
-    // The seam for tests, the library's and the host's own, shared by every
-    // modal dialog of the library (the browse helpers' file dialogs too):
-    // while a hook is installed, ExecDialog() does not run the dialog but
-    // calls the hook with it, built and filled, and returns the hook's
-    // answer. The hook may click buttons (QTest) or fill controls. For the
-    // user-interface thread; returns the hook it replaces; an empty hook
-    // restores normal operation.
-    using ExecHook = std::function<int(QDialog& dialog)>;
-    static ExecHook SetExecHook(ExecHook hook);
-    static int ExecDialog(QDialog& dialog);
-
     void setVisible(bool visible) override;
+    // Validation and OnOK(), then closes with Accepted when both passed.
+    void accept() override;
 
 signals:
     // After Apply's OnApply() or OK's OnOK() returned true.

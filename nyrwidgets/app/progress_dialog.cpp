@@ -1,14 +1,24 @@
 #include "nyrwidgets/app/progress_dialog.h"
 
+#include <QCoreApplication>
+#include <algorithm>
+#include <QDeadlineTimer>
 #include <QPushButton>
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/platform/string_format.h"
-#include "nyrwidgets/app/dialog.h"
+#include "nyrwidgets/frame/dialog_hook.h"
+#include "nyrwidgets/frame/wait_cursor.h"
 
 namespace {
 
 constexpr int kBarSteps = 1000;  // the bar's range: totals may pass int
+
+int& MinimumDuration()
+{
+    static int ms = 1000;
+    return ms;
+}
 
 std::string Amount(std::uint64_t value, CNyrProgress::eUnit unit)
 {
@@ -48,7 +58,7 @@ CNyrProgressDialog::CNyrProgressDialog(CNyrWorker& worker, QWidget* parent)
     setCancelButtonText(QString::fromStdString(NyrLoadString(26100)));
     setAutoClose(false);
     setAutoReset(false);
-    setMinimumDuration(1000);
+    setMinimumDuration(MinimumDurationDefault());
     // Qt's dialog hides itself on cancel; this one stays until the job stops.
     // Qt makes that connection by name, so it is undone by name.
     disconnect(this, SIGNAL(canceled()), this, SLOT(cancel()));
@@ -76,6 +86,16 @@ void CNyrProgressDialog::Update()
     setValue(static_cast<int>(static_cast<double>(done) / static_cast<double>(s.total) * kBarSteps));
 }
 
+void CNyrProgressDialog::MinimumDurationDefault(int ms)
+{
+    MinimumDuration() = std::max(ms, 0);
+}
+
+int CNyrProgressDialog::MinimumDurationDefault()
+{
+    return MinimumDuration();
+}
+
 void CNyrProgressDialog::reject()
 {
     Cancel();
@@ -94,18 +114,28 @@ void CNyrProgressDialog::Cancel()
 int CNyrProgressDialog::Run(QWidget* parent, const CNyrWorker::Job& job, QVariant* result, const QString& title)
 {
     CNyrWorker worker;
-    CNyrProgressDialog dialog(worker, parent);
-    if (!title.isEmpty())
-        dialog.setWindowTitle(title);
     int status = CNyrWorker::eFailed;
     QVariant value;
-    connect(&worker, &CNyrWorker::finished, &dialog, [&](const QVariant& r, int s) {
+    connect(&worker, &CNyrWorker::finished, &worker, [&](const QVariant& r, int s) {
         value = r;
         status = s;
     });
     if (!worker.Start(job))
         return CNyrWorker::eFailed;
-    CNyrDialog::ExecDialog(dialog);
+    CNyrProgressDialog dialog(worker, parent);
+    if (!title.isEmpty())
+        dialog.setWindowTitle(title);
+    // A short job ends before the dialog would appear: it is waited for
+    // with the busy cursor, the window repainting and the user's input held
+    // back until it ends.
+    {
+        CNyrWaitCursor wait;
+        const QDeadlineTimer deadline(dialog.minimumDuration());
+        while (worker.IsRunning() && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents, 20);
+    }
+    if (worker.IsRunning())
+        NyrExecDialog(dialog);
     worker.Wait(CNyrWorker::kStopWaitMs);
     if (result)
         *result = value;

@@ -18,7 +18,8 @@
 //   work was done).
 // Cancel, Escape and the close box cancel the job: the dialog then shows
 // "Cancelling..." until the job has stopped. It appears when the job takes
-// longer than minimumDuration() (1 s) and closes when it ends.
+// longer than minimumDuration() (MinimumDurationDefault) and closes when it
+// ends.
 class NYR_EXPORT CNyrProgressDialog : public QProgressDialog
 {
     Q_OBJECT
@@ -31,10 +32,18 @@ public:
     // Shows the job's progress now (done on every progressChanged).
     void Update();
 
-    // Runs `job` with the dialog, modally, through CNyrDialog::ExecDialog
-    // (a test hook gets the dialog while the job runs; the job is waited
-    // for afterwards). Returns the job's CNyrWorker::eStatus and hands out
-    // its result. `title` "" keeps "Please wait...".
+    // How long a job runs before its dialog appears, in ms, for dialogs made
+    // from now on: 1000 unless set; 0 shows it at once.
+    static void MinimumDurationDefault(int ms);
+    static int MinimumDurationDefault();
+
+    // Runs `job` on a worker and waits for it. A job that ends within
+    // minimumDuration() shows no dialog (the busy cursor, and the window
+    // repaints meanwhile); after that the dialog runs modally through
+    // NyrExecDialog until the job ends. A test hook gets the dialog while
+    // the job runs; one that leaves it open cancels the job, which is then
+    // waited for. Returns the job's CNyrWorker::eStatus and hands out its
+    // result. `title` "" keeps "Please wait...".
     static int Run(QWidget* parent, const CNyrWorker::Job& job, QVariant* result = nullptr,
                    const QString& title = {});
 

@@ -6,9 +6,11 @@
 
 class QDialog;
 
-// The library runs its modal dialogs (sort, columns, save-as and the file
-// dialog it opens) through NyrExecDialog; the message box has a seam of its
-// own (CNyrMessageBoxDialog::SetAnswerHook).
+// Every modal dialog of the library runs through NyrExecDialog: CNyrDialog's
+// Exec (and so the dialogs built on it), the sort, columns, save-as and
+// print dialogs, the file dialogs of the browse helpers, the progress
+// dialog; hosts run theirs through it too. The message box has a seam of
+// its own (CNyrMessageBoxDialog::SetAnswerHook).
 //
 // The seam for tests, the library's and the host's own: while a hook is
 // installed, NyrExecDialog shows the dialog without an event loop of its own,

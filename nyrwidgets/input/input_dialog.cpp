@@ -78,15 +78,3 @@ CNyrInputControl* NyrValidateInputControls(QWidget* root)
     }
     return nullptr;
 }
-
-CNyrInputDialog::CNyrInputDialog(QWidget* parent, Qt::WindowFlags flags) : QDialog(parent, flags)
-{
-}
-
-CNyrInputDialog::~CNyrInputDialog() = default;
-
-void CNyrInputDialog::accept()
-{
-    if (!NyrValidateInputControls(this))
-        QDialog::accept();
-}

@@ -2,13 +2,13 @@
 
 #include <QAction>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QStyle>
 #include <algorithm>
 
 #include "nyr/frame/resource_module.h"
+#include "nyrwidgets/app/browse.h"
 
 namespace {
 
@@ -24,24 +24,6 @@ constexpr qsizetype kMaxPartBytes = 255;
 bool HasControl(const QString& text)
 {
     return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7F; });
-}
-
-// The library's file types, "Description|pattern|...||", as Qt name filters.
-// "*.*" means every file, also those without a dot.
-QStringList NameFilters(const std::string& types)
-{
-    const QStringList parts = QString::fromStdString(types).split(u'|');
-    QStringList filters;
-    for (qsizetype i = 0; i + 1 < parts.size() && !parts[i].isEmpty(); i += 2) {
-        QString description = parts[i];
-        const qsizetype paren = description.lastIndexOf(u'(');
-        if (paren > 0)
-            description = description.left(paren).trimmed();
-        QString patterns = parts[i + 1];
-        patterns.replace(u';', u' ').replace(QStringLiteral("*.*"), QStringLiteral("*"));
-        filters << description + QStringLiteral(" (") + patterns + u')';
-    }
-    return filters;
 }
 
 }  // namespace
@@ -135,12 +117,6 @@ struct CNyrInputFileName::Private
     eMode mode = eFileMustExist;
     eBrowseTarget target = eBrowseFile;
     QString base;
-
-    static BrowseHook& Hook()
-    {
-        static BrowseHook hook;
-        return hook;
-    }
 };
 
 CNyrInputFileName::CNyrInputFileName(QWidget* parent, eMode mode) : CNyrInputControl(parent), d(new Private)
@@ -212,41 +188,22 @@ std::string CNyrInputFileName::GetBaseFolder() const
     return d->base.toStdString();
 }
 
-CNyrInputFileName::BrowseHook CNyrInputFileName::SetBrowseHook(BrowseHook hook)
-{
-    return std::exchange(Private::Hook(), std::move(hook));
-}
-
 bool CNyrInputFileName::Browse()
 {
     static constexpr unsigned int kTitles[] = {26062, 26054, 26056, 26058, 26060};
-    const std::string title = NyrLoadString(kTitles[std::clamp(static_cast<int>(d->target), 0, 4)]);
-    std::string name = text().trimmed().toStdString();
-    const BrowseHook& hook = Private::Hook();
-    if (!(hook ? hook(*this, title, name) : RunDialog(title, name)))
+    static constexpr CNyrBrowse::eKind kKinds[] = {CNyrBrowse::eFile, CNyrBrowse::eFolder, CNyrBrowse::eExecutable,
+                                                   CNyrBrowse::eProgram, CNyrBrowse::eLibrary};
+    const int target = std::clamp(static_cast<int>(d->target), 0, 4);
+    // A name that may be new is chosen as one to save under; the host
+    // decides what to do with an existing file.
+    const CNyrBrowse::eKind kind =
+        d->mode == eMayBeNew && kKinds[target] == CNyrBrowse::eFile ? CNyrBrowse::eSaveFile : kKinds[target];
+    const QString name = CNyrBrowse::Browse(this, kind, {}, QString::fromStdString(GetAbsolutePath()), {},
+                                            QString::fromStdString(NyrLoadString(kTitles[target])));
+    if (name.isEmpty())
         return false;
-    ReplaceTextAsStep(QString::fromStdString(name), {});
+    ReplaceTextAsStep(name, {});
     Validate();
-    return true;
-}
-
-bool CNyrInputFileName::RunDialog(const std::string& title, std::string& name)
-{
-    QFileDialog dialog(this, QString::fromStdString(title), QString::fromStdString(GetAbsolutePath()));
-    if (d->target == eBrowseFolder) {
-        dialog.setFileMode(QFileDialog::Directory);
-        dialog.setOption(QFileDialog::ShowDirsOnly);
-    } else {
-        dialog.setNameFilters(NameFilters(NyrLoadString(d->target == eBrowseLibrary ? 26098 : 26096)));
-        dialog.setFileMode(d->mode == eMayBeNew ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-        if (d->mode == eMayBeNew) {
-            dialog.setAcceptMode(QFileDialog::AcceptSave);
-            dialog.setOption(QFileDialog::DontConfirmOverwrite);  // the host decides what to do with an existing file
-        }
-    }
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return false;
-    name = dialog.selectedFiles().front().toStdString();
     return true;
 }
 

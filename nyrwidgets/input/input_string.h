@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -50,10 +49,11 @@ private:
 // longer than 4095 bytes or with a part longer than 255 bytes, a file name
 // ending in '/'.
 //
-// A browse button inside the field (and F4 or Alt+Down in it) opens the platform's
-// file dialog titled with the library's browse title for the target
-// (eBrowseTarget, texts 26054-26062) and its file types (26096-26098); the
-// name picked replaces the text as one undoable step and is validated.
+// A browse button inside the field (and F4 or Alt+Down in it) browses with
+// CNyrBrowse (the kind of the target, a file to save under in eMayBeNew,
+// titled with the library's browse title for the target, texts
+// 26054-26062), starting at the field's name; the name picked replaces the
+// text as one undoable step and is validated.
 class NYR_EXPORT CNyrInputFileName : public CNyrInputControl
 {
     Q_OBJECT
@@ -88,13 +88,6 @@ public:
     // Opens the browse dialog; true when a name was picked.
     bool Browse();
 
-    // The seam for tests and hosts with a file chooser of their own: while a
-    // hook is installed, Browse calls it with the dialog's title and the
-    // current name instead of showing the dialog; it returns true with the
-    // name picked. Returns the previous hook.
-    using BrowseHook = std::function<bool(CNyrInputFileName& field, const std::string& title, std::string& name)>;
-    static BrowseHook SetBrowseHook(BrowseHook hook);
-
 protected:
     QString Render(const std::any& value) const override;
     bool Read(const QString& text, std::any& value, long form) const override;
@@ -106,6 +99,4 @@ protected:
 private:
     struct Private;
     std::unique_ptr<Private> d;
-
-    bool RunDialog(const std::string& title, std::string& name);
 };

@@ -661,6 +661,7 @@ int CNyrListView::SaveAs()
 {
     CNyrListViewSaveAsDlgCV::SAVE_AS_INFO info;
     info.list = this;
+    OnSaveAsBegin(info);
     CNyrListViewSaveAsDlgCV dialog(info, this);
     return dialog.Run(InifileSection());
 }

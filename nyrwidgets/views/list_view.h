@@ -9,6 +9,8 @@
 #include "nyr/platform/export.h"
 #include "nyrwidgets/views/list_ctrl.h"
 #include "nyrwidgets/views/list_view_find.h"
+#include "nyrwidgets/views/list_view_save_as_dlg_cv.h"
+#include "nyrwidgets/views/view_print_list.h"
 
 class CNyrHeaderCtrlSort;
 
@@ -168,6 +170,10 @@ public:
     // stored to the view's settings section) and writes the rows to it.
     // Returns 1 when the file was written.
     virtual int SaveAs();
+    // Called by SaveAs before the dialog opens, with what it starts from: a
+    // host sets a default file name here (info.fileName; an absolute one
+    // names the folder too, where browsing starts). The default does nothing.
+    virtual void OnSaveAsBegin(CNyrListViewSaveAsDlgCV::SAVE_AS_INFO& info);
 
     // ---- Printing ----
 
@@ -184,6 +190,12 @@ public:
     virtual int Print();
     virtual int PrintPreview();
     virtual int ExportPdf();
+    // Called by those three before the print options open: a host appends
+    // parts of its own to info.parts (CNyrPlanViewPrint: the plan on a page
+    // after the rows) and may set a default PDF file name (info.fileName);
+    // the choices the user made last (stored in the settings section) win
+    // over defaults set here. The default does nothing.
+    virtual void OnPrintBegin(CNyrListViewPrint::PRINT_INFO& info);
 
 protected:
     // For views that bring their own model instead of the plain list (null:

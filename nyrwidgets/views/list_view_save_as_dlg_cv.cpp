@@ -26,6 +26,7 @@
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
 #include "nyr/util/profile_entries.h"
+#include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/list_view.h"
@@ -33,11 +34,8 @@
 namespace {
 
 constexpr unsigned kMbOk = 0x0;
-constexpr unsigned kMbYesNo = 0x4;
 constexpr unsigned kMbIconError = 0x10;
-constexpr unsigned kMbIconQuestion = 0x20;
 constexpr unsigned kMbIconExclamation = 0x30;
-constexpr int kIdYes = 6;
 
 // The longest header label written, in bytes (the label buffer of the list
 // control).
@@ -319,6 +317,10 @@ void CNyrListViewSaveAsDlgCV::Browse()
         d->fileType->setCurrentIndex(chosen);
 }
 
+void CNyrListView::OnSaveAsBegin(CNyrListViewSaveAsDlgCV::SAVE_AS_INFO&)
+{
+}
+
 int CNyrListViewSaveAsDlgCV::Run(const std::string& section)
 {
     LoadCustomProperties(section);
@@ -342,10 +344,7 @@ void CNyrListViewSaveAsDlgCV::accept()
         info.fileName += d->Extension(info.fileType).toStdString();
         d->fileName->setText(QString::fromStdString(info.fileName));
     }
-    struct stat st;
-    if (::stat(info.fileName.c_str(), &st) == 0 &&
-        NyrMessageBox(NyrFormat(NyrLoadString(26274).c_str(), info.fileName.c_str()), windowTitle().toStdString(),
-                      kMbYesNo | kMbIconQuestion) != kIdYes) {
+    if (!CNyrBrowse::ConfirmReplace(this, QString::fromStdString(info.fileName), windowTitle())) {
         d->fileName->setFocus();
         return;
     }

@@ -30,7 +30,7 @@ class QRadioButton;
 // intended.
 //
 // An existing file is replaced (created anew, as an export is a snapshot);
-// the dialog asks first with 26274. Errors of creating or writing the file
+// the dialog asks first (CNyrBrowse::ConfirmReplace). Errors of creating or writing the file
 // are shown with the system's text (NyrSystemErrorText) in NyrMessageBox; a
 // partly written file stays as it is.
 class NYR_EXPORT CNyrListViewSaveAsDlgCV : public QDialog

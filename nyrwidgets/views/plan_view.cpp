@@ -2,8 +2,6 @@
 // its output as images.
 #include "nyrwidgets/views/plan_view.h"
 
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QImage>
 #include <QPainter>
 #include <QTimer>
@@ -14,7 +12,7 @@
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
-#include "nyrwidgets/app/dialog.h"
+#include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/plan_view_p.h"
 #include "nyrwidgets/views/report_view.h"
@@ -266,15 +264,10 @@ int CNyrPlanView::ExportPng(const std::string& path, const QSize& size) const
 
 int CNyrPlanView::ExportPngDialog()
 {
-    QFileDialog dialog(this, Text(26467));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilter(Text(26466));
-    dialog.setDefaultSuffix("png");
-    if (CNyrDialog::ExecDialog(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    const QString file = CNyrBrowse::Browse(this, CNyrBrowse::eSaveFile, QStringLiteral("CNyrPlanView"), {},
+                                            Text(26466) + QStringLiteral("|*.png||"), Text(26467));
+    if (file.isEmpty() || !CNyrBrowse::ConfirmReplace(this, file, Text(26467)))
         return 0;
-    QString file = dialog.selectedFiles().front();
-    if (QFileInfo(file).suffix().isEmpty())
-        file += ".png";
     const std::string path = file.toStdString();
     if (ExportPng(path))
         return 1;
@@ -314,6 +307,8 @@ bool CNyrPlanView::event(QEvent* e)
     }
     if (e->type() == QEvent::PaletteChange)
         d->sprites.clear();
+    if (e->type() == QEvent::LanguageChange)
+        d->UpdateCursorText();  // "E" and "N" come from the text table
     return QWidget::event(e);
 }
 
@@ -324,7 +319,9 @@ void CNyrPlanView::paintEvent(QPaintEvent*)
         ZoomToAll();
     QPainter painter(this);
     d->drawnLabels.clear();
+    d->onScreen = true;  // labels keep clear of the cursor read-out too
     Render(painter, QRectF(rect()), &d->drawnLabels);
+    d->onScreen = false;
     d->DrawOverlays(painter);
 }
 

@@ -71,7 +71,9 @@ public:
 // unit (bottom right) and, on screen, the coordinates under the cursor in
 // that unit with, given a projection, latitude and longitude in the
 // geographic angle unit (top left); it redraws on
-// WM_NYR_UNIT_CHANGED_DISTANCE and WM_NYR_UNIT_CHANGED_ANGLE.
+// WM_NYR_UNIT_CHANGED_DISTANCE and WM_NYR_UNIT_CHANGED_ANGLE, and writes the
+// read-out anew on QEvent::LanguageChange (a host that switches the text
+// table sends it).
 class NYR_EXPORT CNyrPlanView : public QWidget
 {
     Q_OBJECT
@@ -178,8 +180,9 @@ public:
     QImage ToImage(const QSize& size = QSize()) const;
     // Writes ToImage(size) as PNG; 1 when written.
     int ExportPng(const std::string& path, const QSize& size = QSize()) const;
-    // Asks for a file name and exports; a failure is reported in a message
-    // box. 1 when written.
+    // Asks for a file name (CNyrBrowse, purpose "CNyrPlanView"), and before
+    // replacing a file (CNyrBrowse::ConfirmReplace), and exports; a failure
+    // is reported in a message box. 1 when written.
     int ExportPngDialog();
 
     // ---- What the view shows ----

@@ -52,6 +52,8 @@ Frame CNyrPlanView::Private::LayOut(const QPainter& painter, const Mapping& m, d
         frame.scaleBar = QRectF(right - frame.bar.pixels - 40 * k, bottom - 7 * k - frame.textHeight,
                                 frame.bar.pixels + 80 * k, 7 * k + frame.textHeight);
     }
+    if (onScreen)
+        frame.readOut = ReadOutBox();
     return frame;
 }
 
@@ -103,6 +105,14 @@ void CNyrPlanView::Private::DrawScaleBar(QPainter& painter, const Frame& frame) 
                      Qt::AlignHCenter | Qt::AlignBottom, QString::fromStdString(frame.bar.text));
 }
 
+QRect CNyrPlanView::Private::ReadOutBox() const
+{
+    if (cursorText.isEmpty())
+        return {};
+    const QFontMetrics metrics(q->font());
+    return QRect(4, 4, std::max(readOutWidth, metrics.horizontalAdvance(cursorText)) + 8, metrics.height() + 2);
+}
+
 void CNyrPlanView::Private::DrawOverlays(QPainter& painter) const
 {
     if (drag == DragBand) {
@@ -115,11 +125,9 @@ void CNyrPlanView::Private::DrawOverlays(QPainter& painter) const
     }
     if (!cursorText.isEmpty()) {
         painter.setFont(q->font());
-        const QFontMetrics metrics(q->font());
-        const QRect box(4, 4, metrics.horizontalAdvance(cursorText) + 8, metrics.height() + 2);
-        QColor back = q->palette().color(QPalette::Base);
-        back.setAlpha(210);
-        painter.fillRect(box, back);
+        const QRect box = ReadOutBox();
+        // Opaque: labels beneath would show through as jumbled text.
+        painter.fillRect(box, q->palette().color(QPalette::Base));
         painter.setPen(q->palette().color(QPalette::Text));
         painter.drawText(box, Qt::AlignCenter, cursorText);
     }

@@ -1,6 +1,7 @@
 // The plan view's mouse, wheel, keys, context menu and cursor read-out.
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
@@ -30,6 +31,7 @@ void CNyrPlanView::Private::UpdateCursorText()
     if (text == cursorText)
         return;
     cursorText = text;
+    readOutWidth = text.isEmpty() ? 0 : std::max(readOutWidth, QFontMetrics(q->font()).horizontalAdvance(text));
     emit q->CursorTextChanged(text);
     q->update();
 }

@@ -89,6 +89,7 @@ struct Frame
     CNyrPlanView::SCALE_BAR bar;
     QRectF northArrow;
     QRectF scaleBar;  // with its text; empty without a bar
+    QRectF readOut;   // on screen while the cursor is over the plan; else empty
 };
 
 inline constexpr double kMinScale = 1e-7;
@@ -175,6 +176,10 @@ struct CNyrPlanView::Private
     void DrawNorthArrow(QPainter& painter, const nyr::plan_detail::Frame& frame) const;
     void DrawScaleBar(QPainter& painter, const nyr::plan_detail::Frame& frame) const;
     void DrawOverlays(QPainter& painter) const;
+    // The box of the cursor read-out at the top left, as wide as the widest
+    // text since the cursor came in, so that labels do not come and go as
+    // it moves; empty while the cursor is outside.
+    QRect ReadOutBox() const;
 
     // ---- Mapping and input (plan_view.cpp, plan_view_input.cpp) ----
 
@@ -227,6 +232,8 @@ struct CNyrPlanView::Private
     bool cursorInside = false;
     QPoint cursor;
     QString cursorText;
+    int readOutWidth = 0;   // of the widest cursor text since the cursor came in
+    bool onScreen = false;  // the paint under way is the widget's own
 
     // A selection made in the report view alone centres its point when it
     // lies outside the view; a batch of several does not.

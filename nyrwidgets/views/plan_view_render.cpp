@@ -246,7 +246,7 @@ void CNyrPlanView::Private::DrawLabels(QPainter& painter, const Frame& frame, co
     }
     const std::vector<QRectF> placed =
         PlaceLabels(anchors, boxes, (symbolSize / 2.0 + 2) * frame.k, frame.m.rect,
-                                      {frame.northArrow, frame.scaleBar});
+                                      {frame.northArrow, frame.scaleBar, frame.readOut});
     painter.setFont(frame.font);
     painter.setPen(q->palette().color(QPalette::Text));
     for (std::size_t i = 0; i < candidates.size(); ++i) {

@@ -946,6 +946,7 @@ int CNyrReportView::SaveAs()
 {
     CNyrListViewSaveAsDlgCV::SAVE_AS_INFO info;
     info.list = this;
+    OnSaveAsBegin(info);
     CNyrReportViewSaveAsDlgCV dialog(info, this);
     return dialog.Run(InifileSection());
 }

@@ -24,6 +24,7 @@ int AskOptions(CNyrListView& view, int mode, CNyrListViewPrint::PRINT_INFO& info
 {
     info.list = &view;
     info.title = view.GetPrintTitle();
+    view.OnPrintBegin(info);
     CNyrListViewPrintDlg options(info, mode, &view);
     const int confirmed = options.Run(view.InifileSection());
     if (pages)
@@ -137,6 +138,10 @@ int CNyrListView::ExportPdf()
     CNyrListViewPrint::PRINT_INFO info;
     int pages = 0;
     return AskOptions(*this, CNyrListViewPrintDlg::ModePdf, info, &pages) ? pages : 0;
+}
+
+void CNyrListView::OnPrintBegin(CNyrListViewPrint::PRINT_INFO&)
+{
 }
 
 void CNyrReportView::InsertMenuPrint(CNyrReportViewMenuPopUp& menu)

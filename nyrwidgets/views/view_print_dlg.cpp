@@ -1,8 +1,6 @@
 #include "nyrwidgets/views/view_print_dlg.h"
 
 #include <QButtonGroup>
-#include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QGridLayout>
@@ -19,7 +17,7 @@
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
-#include "nyrwidgets/frame/dialog_hook.h"
+#include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/list_view.h"
@@ -89,11 +87,12 @@ struct CNyrListViewPrintDlg::Private
 };
 
 CNyrListViewPrintDlg::CNyrListViewPrintDlg(CNyrListViewPrint::PRINT_INFO& info, int mode, QWidget* parent)
-    : QDialog(parent), d(new Private{&info, mode})
+    : CNyrDialog(parent, "CNyrListViewPrintDlg"), d(new Private{&info, mode})
 {
     setWindowTitle(QString::fromStdString(
         nyr::views_detail::MenuTextAsTitle(mode == ModePdf ? 26401 : mode == ModePreview ? 26400 : 26040)));
-    auto* grid = new QGridLayout(this);
+    auto* grid = new QGridLayout;
+    ContentLayout()->addLayout(grid);
     int row = 0;
     if (mode == ModePdf) {
         d->fileName = new QLineEdit(this);
@@ -119,13 +118,7 @@ CNyrListViewPrintDlg::CNyrListViewPrintDlg(CNyrListViewPrint::PRINT_INFO& info, 
         d->margins[side]->setRange(0, 100);
         form->addRow(Text(26410 + static_cast<unsigned int>(side)), d->margins[side]);
     }
-    grid->addWidget(marginBox, row++, 1);
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    grid->addWidget(buttons, row, 0, 1, 2);
+    grid->addWidget(marginBox, row, 1);
     InfoToControls();
 }
 
@@ -175,24 +168,23 @@ void CNyrListViewPrintDlg::UpdateRowChoice()
 void CNyrListViewPrintDlg::showEvent(QShowEvent* e)
 {
     UpdateRowChoice();
-    QDialog::showEvent(e);
+    CNyrDialog::showEvent(e);
 }
 
 int CNyrListViewPrintDlg::Run(const std::string& section)
 {
     CNyrListViewPrint::LoadCustomProperties(*d->info, section);
     InfoToControls();
-    if (NyrExecDialog(*this) != QDialog::Accepted)
+    if (Exec() != QDialog::Accepted)
         return 0;
     CNyrListViewPrint::StoreCustomProperties(*d->info, section);
     return 1;
 }
 
-void CNyrListViewPrintDlg::accept()
+bool CNyrListViewPrintDlg::OnOK()
 {
     ControlsToInfo();
-    if (d->mode != ModePdf || WritePdf())
-        QDialog::accept();
+    return d->mode != ModePdf || WritePdf();
 }
 
 bool CNyrListViewPrintDlg::WritePdf()
@@ -208,9 +200,7 @@ bool CNyrListViewPrintDlg::WritePdf()
         info.fileName += ".pdf";
         d->fileName->setText(QString::fromStdString(info.fileName));
     }
-    if (QFileInfo::exists(QString::fromStdString(info.fileName)) &&
-        NyrMessageBox(NyrFormat(NyrLoadString(26274).c_str(), info.fileName.c_str()), caption,
-                      NYR_MB_YESNO | NYR_MB_ICONQUESTION) != NYR_IDYES) {
+    if (!CNyrBrowse::ConfirmReplace(this, QString::fromStdString(info.fileName), windowTitle())) {
         d->fileName->setFocus();
         return false;
     }
@@ -227,12 +217,10 @@ bool CNyrListViewPrintDlg::WritePdf()
 
 void CNyrListViewPrintDlg::Browse()
 {
-    QFileDialog dialog(this, Text(26068), d->fileName->text());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilter(Text(26417));
-    dialog.setDefaultSuffix(QStringLiteral("pdf"));
-    if (NyrExecDialog(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
-        d->fileName->setText(dialog.selectedFiles().front());
+    const QString file = CNyrBrowse::Browse(this, CNyrBrowse::eSaveFile, QStringLiteral("CNyrListViewPrintDlg"),
+                                            d->fileName->text(), Text(26417) + QStringLiteral("|*.pdf||"));
+    if (!file.isEmpty())
+        d->fileName->setText(file);
 }
 
 int CNyrListViewPrintDlg::GetPageCount() const

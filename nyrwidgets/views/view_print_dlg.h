@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QDialog>
 #include <memory>
 #include <string>
 
 #include "nyr/platform/export.h"
+#include "nyrwidgets/app/dialog.h"
 #include "nyrwidgets/views/view_print_list.h"
 
 class QLineEdit;
@@ -15,8 +15,9 @@ class QSpinBox;
 // "Checked"), fit to the page width or keep the column widths, portrait or
 // landscape, the four margins; for a PDF export also the file, written when
 // the user confirms. Choices that make no sense now (selected rows when none
-// is selected) are disabled.
-class NYR_EXPORT CNyrListViewPrintDlg : public QDialog
+// is selected) are disabled. A library dialog (CNyrDialog): its position and
+// size are kept in the section "CNyrListViewPrintDlg".
+class NYR_EXPORT CNyrListViewPrintDlg : public CNyrDialog
 {
     Q_OBJECT
 public:
@@ -35,11 +36,6 @@ public:
     // them. Returns 1 then, else 0.
     int Run(const std::string& section);
 
-    // The controls into the info. For a PDF: an empty name is refused (26271),
-    // ".pdf" is added to a name without an extension, replacing an existing
-    // file is asked first (26274), and the file is written; a failure is
-    // shown and the dialog stays open.
-    void accept() override;
     // The pages of the PDF the dialog wrote; 0 when it wrote none.
     int GetPageCount() const;
 
@@ -51,6 +47,11 @@ public:
     QLineEdit* FileNameEdit() const;
 
 protected:
+    // OK: the controls into the info. For a PDF: an empty name is refused
+    // (26271), ".pdf" is added to a name without an extension, replacing an
+    // existing file is asked first (CNyrBrowse::ConfirmReplace), and the file
+    // is written; a failure is shown and the dialog stays open.
+    bool OnOK() override;
     void showEvent(QShowEvent* e) override;
 
 private:

@@ -388,6 +388,8 @@ int PrintOrCount(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& d
     if (info.list)
         printout.SetFont(PrintFont(*info.list));
     printout.AddPart(&part);
+    for (CNyrPrintPart* more : info.parts)
+        printout.AddPart(more);
     const int pages = print ? printout.Print(device) : printout.CountPages(device);
     if (pages == 0)
         why = printout.GetError();

@@ -4,6 +4,7 @@
 #include <QPageSize>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "nyr/platform/export.h"
 #include "nyrwidgets/views/view_print.h"
@@ -45,6 +46,10 @@ public:
         std::string title;                   // on top of every page
         std::string fileName;                // Export PDF: the file; "PrintPdfFile"
         QPageSize pageSize{QPageSize::A4};   // Export PDF: the paper
+        // Parts of the host's own (a plan, say) printed after the rows,
+        // each from a new page, under the same page header and footer; not
+        // owned: they must outlive the printing.
+        std::vector<CNyrPrintPart*> parts;
     };
 
     // Keeps a copy of `info`; info.list must outlive the part.
@@ -75,8 +80,8 @@ private:
 };
 
 // Prints the view on `device` without a dialog: sets the device's
-// orientation and margins from `info`, then prints title and rows with
-// CNyrPrintout. Returns the number of pages; 0, with the reason in *error,
+// orientation and margins from `info`, then prints title, rows and the
+// host's parts with CNyrPrintout. Returns the number of pages; 0, with the reason in *error,
 // when nothing could be printed.
 NYR_EXPORT int NyrPrintListView(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& device,
                                 std::string* error = nullptr);

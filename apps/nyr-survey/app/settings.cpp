@@ -1,13 +1,18 @@
 #include "apps/nyr-survey/app/settings.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include "apps/nyr-survey/app/language.h"
 #include "apps/nyr-survey/app/texts.h"
 #include "apps/nyr-survey/project/gps_time.h"
 #include "apps/nyr-survey/window/point_view.h"
 #include "apps/nyr-survey/window/unit_bar.h"
+#include "nyr/app/log_file.h"
 #include "nyr/time/time_helper.h"
 #include "nyr/util/profile_entries.h"
 #include "nyr/values/unit_settings.h"
+#include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/msgbox/message_box.h"
 
 namespace survey {
@@ -52,10 +57,13 @@ void RegisterMessages()
 
 void InitializeApplication(const std::string& settingsPath)
 {
-    if (settingsPath.empty())
+    if (settingsPath.empty()) {
         NyrSetProfilePrefix("Survey");
-    else
+    } else {
         NyrSetProfilePath(settingsPath);
+        CNyrLogFile::Default().SetPath(
+            QFileInfo(QString::fromStdString(settingsPath)).absoluteDir().filePath("nyr-survey.log").toStdString());
+    }
     InstallEnglishTexts();
     if (ReadSetting("Language", 0) == LanguageGerman)
         SetLanguage(LanguageGerman);
@@ -68,6 +76,7 @@ void InitializeApplication(const std::string& settingsPath)
     if (LeapSecondsAt(kLeap2017) < 18)
         CNyrTimeHelper::ImportLeapSecondsList();
     RegisterMessages();
+    CNyrBrowse::ReplaceMessageKeyDefault(kOverwriteKey);
 }
 
 }  // namespace survey

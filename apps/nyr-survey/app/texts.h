@@ -26,13 +26,16 @@ enum eText : unsigned int {
     TxtUnitBar = 1170, TxtDistanceUnit, TxtAngleUnit, TxtLatLonUnit, TxtTimeFormat,
     TxtStatusPoints = 1180, TxtStatusSelected, TxtStatusChecked, TxtStatusBase, TxtStatusNoBase, TxtOpened, TxtSaved,
     TxtGenerated, TxtSampleProject, TxtUntitled,
+    // Printing, recent files, editing, long work
+    TxtPrint = 1190, TxtPrintPreview, TxtExportPdf, TxtRecentFiles, TxtEditPoint, TxtPointTitle, TxtOpenTitle,
+    TxtReading, TxtOpenCancelled, TxtGenerateCancelled,
     // Questions and errors
     TxtAskDelete = 1200, TxtAskOverwrite, TxtAnswersQuestion, TxtAnswersAnswer, TxtAnswersText, TxtOpenFailed,
     TxtSaveFailed, TxtCsvFilter, TxtLanguageFailed, TxtNothingSelected, TxtGenerating,
     // Reading points files
     TxtErrEmpty = 1300, TxtErrMissingColumn, TxtErrFieldCount, TxtErrNotNumber, TxtErrNotAngle, TxtErrNotTime,
     TxtErrUtf8, TxtErrTooLarge, TxtErrDuplicateColumn, TxtErrNoName, TxtErrNoPosition, TxtErrRange,
-    TxtErrQuote, TxtErrRead, TxtErrLine,
+    TxtErrQuote, TxtErrRead, TxtErrLine, TxtErrPointName, TxtErrOutsideZone,
     // Time converter
     TxtTimeTitle = 1400, TxtLocalTime, TxtUtc, TxtMjd, TxtGpsWeekSeconds, TxtGpsMinusUtc, TxtImportLeap,
     TxtLeapImported, TxtLeapExpired, TxtLeapFailed, TxtTimeInvalid, TxtNow,
@@ -43,9 +46,6 @@ enum eText : unsigned int {
     TxtServer, TxtPort, TxtSecurity, TxtSecurityNone, TxtSecurityStartTls, TxtSecurityTls, TxtUser, TxtPassword,
     TxtSender, TxtRememberPassword, TxtPasswordPrompt, TxtSent, TxtSendFailed, TxtSmtpTitle, TxtDefaultSubject,
     TxtDefaultBody, TxtTrustedCertificates, TxtSecretServiceNote,
-    // About
-    TxtAboutTitle = 1600, TxtAboutVersion, TxtAboutLibrary, TxtAboutQt, TxtAboutGeographicLib,
-    TxtAboutRequirements, TxtRequirementsMet, TxtAboutDescription,
 };
 
 // The text in the current language (the host module's).

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <QString>
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "apps/nyr-survey/project/survey_project.h"
+
+class CNyrProgress;
 
 // Points files: delimited text with a header line.
 //
@@ -39,10 +42,29 @@ namespace survey {
 // Largest file read; more is refused before anything is read.
 inline constexpr std::size_t kMaxPointsFileBytes = std::size_t{1} << 30;
 
+// Why a read failed: a text of the application's table and its arguments;
+// id 0 when it was cancelled.
+struct ReadError
+{
+    unsigned int id = 0;
+    std::vector<QString> args;
+    // The message in the current language: for the user-interface thread,
+    // which is the only one that loads texts.
+    std::string Text() const;
+};
+
 // Reads `path` into `out` (replaced only on success); false with a message.
 bool ReadPointsFile(const std::string& path, ProjectData& out, std::string& error);
 // The same for text already in memory.
 bool ReadPointsText(std::string_view text, ProjectData& out, std::string& error);
+
+// The reader for any thread: it loads no text, and reports its position in
+// bytes to `progress` (may be null), stopping with error id 0 as soon as
+// that is cancelled. Call PrepareReading on the user-interface thread
+// first: it loads what the value types keep for the process (hemisphere
+// letters, unit symbols).
+bool ReadPointsFile(const std::string& path, ProjectData& out, ReadError& error, CNyrProgress* progress);
+void PrepareReading();
 
 // The lossless form File > Save writes: comma-delimited, "\r\n" line ends,
 // English labels, metres, decimal degrees to 1e-10, the observation in UTC

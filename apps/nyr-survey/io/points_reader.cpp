@@ -17,6 +17,7 @@
 #include "apps/nyr-survey/io/utf8.h"
 #include "apps/nyr-survey/project/gps_time.h"
 #include "apps/nyr-survey/project/survey_point.h"
+#include "nyr/app/progress.h"
 #include "nyr/platform/file_read.h"
 #include "nyr/values/value_angle.h"
 #include "nyr/values/value_distance.h"
@@ -27,13 +28,7 @@ namespace {
 
 constexpr std::size_t kMaxLineBytes = 64 * 1024;
 
-std::string Message(unsigned int id, std::initializer_list<QString> args)
-{
-    QString text = QText(id);
-    for (const QString& a : args)
-        text = text.arg(a);
-    return text.toStdString();
-}
+constexpr int kProgressLines = 4096;  // lines between two reports of the position
 
 QString Q(std::string_view s)
 {
@@ -78,7 +73,8 @@ struct Column
 class Reader
 {
 public:
-    Reader(std::string_view text, ProjectData& data, std::string& error) : m_text(text), m_data(data), m_error(error)
+    Reader(std::string_view text, ProjectData& data, ReadError& error, CNyrProgress* progress)
+        : m_text(text), m_data(data), m_error(error), m_progress(progress)
     {
     }
     bool Run();
@@ -98,7 +94,8 @@ private:
 
     std::string_view m_text;
     ProjectData& m_data;
-    std::string& m_error;
+    ReadError& m_error;
+    CNyrProgress* m_progress;
     std::size_t m_pos = 0;
     int m_line = 0;
     char m_delimiter = ',';
@@ -112,7 +109,7 @@ private:
 
 bool Reader::Fail(unsigned int id, std::initializer_list<QString> args)
 {
-    m_error = Message(id, args);
+    m_error = ReadError{id, args};
     return false;
 }
 
@@ -355,38 +352,74 @@ bool Reader::Run()
         return false;
     m_data.points.reserve(static_cast<std::size_t>(std::count(m_text.begin() + static_cast<std::ptrdiff_t>(m_pos),
                                                               m_text.end(), '\n')) + 1);
+    if (m_progress)
+        m_progress->SetTotal(m_text.size(), CNyrProgress::eBytes);
     std::string_view line;
-    while (NextLine(line) && !line.empty())
+    while (NextLine(line) && !line.empty()) {
         if (!Split(line) || !ReadPoint())
             return false;
-    return m_error.empty();
+        if (m_progress && m_line % kProgressLines == 0 && !m_progress->SetPosition(m_pos))
+            return Fail(0, {});
+    }
+    return m_error.id == 0;
 }
 
-}  // namespace
-
-bool ReadPointsText(std::string_view text, ProjectData& out, std::string& error)
+bool ReadText(std::string_view text, ProjectData& out, ReadError& error, CNyrProgress* progress)
 {
-    error.clear();
+    error = {};
     ProjectData data;
-    Reader reader(text, data, error);
+    Reader reader(text, data, error, progress);
     if (!reader.Run())
         return false;
     out = std::move(data);
     return true;
 }
 
-bool ReadPointsFile(const std::string& path, ProjectData& out, std::string& error)
+}  // namespace
+
+std::string ReadError::Text() const
+{
+    QString text = QText(id);
+    for (const QString& a : args)
+        text = text.arg(a);
+    return text.toStdString();
+}
+
+bool ReadPointsText(std::string_view text, ProjectData& out, std::string& error)
+{
+    ReadError why;
+    const bool read = ReadText(text, out, why, nullptr);
+    error = read ? std::string() : why.Text();
+    return read;
+}
+
+bool ReadPointsFile(const std::string& path, ProjectData& out, ReadError& error, CNyrProgress* progress)
 {
     std::string text, reason;
     if (const QFileInfo info(QString::fromStdString(path)); info.isFile() && info.size() > qint64{kMaxPointsFileBytes}) {
-        error = Message(TxtErrTooLarge, {QString::number(kMaxPointsFileBytes >> 20)});
+        error = ReadError{TxtErrTooLarge, {QString::number(kMaxPointsFileBytes >> 20)}};
         return false;
     }
     if (!NyrReadRegularFile(path, kMaxPointsFileBytes, text, &reason)) {
-        error = Message(TxtErrRead, {QString::fromStdString(reason)});
+        error = ReadError{TxtErrRead, {QString::fromStdString(reason)}};
         return false;
     }
-    return ReadPointsText(text, out, error);
+    return ReadText(text, out, error, progress);
+}
+
+bool ReadPointsFile(const std::string& path, ProjectData& out, std::string& error)
+{
+    ReadError why;
+    const bool read = ReadPointsFile(path, out, why, nullptr);
+    error = read ? std::string() : why.Text();
+    return read;
+}
+
+void PrepareReading()
+{
+    ProjectData ignored;
+    ReadError why;
+    ReadText("Point,Latitude,Longitude,Height [fts]\nA,1 30 S,2 15 W,1\n", ignored, why, nullptr);
 }
 
 }  // namespace survey

@@ -1,9 +1,8 @@
 // The dialogs of File > Send and Settings > Mail server.
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
-#include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QVBoxLayout>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -11,7 +10,6 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
-#include <QVBoxLayout>
 #include <memory>
 
 #include "apps/nyr-survey/app/settings.h"
@@ -19,21 +17,16 @@
 #include "apps/nyr-survey/io/points_file.h"
 #include "apps/nyr-survey/mail/secret_store.h"
 #include "apps/nyr-survey/mail/send_points.h"
+#include "nyr/app/log_file.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/mail/mapi_send_mail.h"
+#include "nyrwidgets/app/dialog.h"
+#include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 
 namespace survey {
 
 namespace {
-
-QDialogButtonBox* OkCancel(QDialog* dialog)
-{
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-    return buttons;
-}
 
 void Inform(const QString& text, unsigned style)
 {
@@ -65,11 +58,14 @@ bool Password(QWidget* parent, const SmtpSettings& smtp, std::string& password)
         password = text.toStdString();
         return true;
     }
-    bool ok = false;
-    text = QInputDialog::getText(parent, QText(TxtSmtpTitle), QText(TxtPasswordPrompt).arg(user, server),
-                                 QLineEdit::Password, {}, &ok);
-    if (!ok)
+    QInputDialog ask(parent);
+    ask.setObjectName("PasswordDialog");
+    ask.setWindowTitle(QText(TxtSmtpTitle));
+    ask.setLabelText(QText(TxtPasswordPrompt).arg(user, server));
+    ask.setTextEchoMode(QLineEdit::Password);
+    if (NyrExecDialog(ask) != QDialog::Accepted)
         return false;
+    text = ask.textValue();
     if (smtp.useSecretService)
         CSecretStore::Store(server, user, text);
     password = text.toStdString();
@@ -81,7 +77,7 @@ bool Password(QWidget* parent, const SmtpSettings& smtp, std::string& password)
 void EditMailServer(QWidget* parent)
 {
     SmtpSettings s = SmtpSettings::Load();
-    QDialog dialog(parent);
+    CNyrDialog dialog(parent, "NyrSurvey/MailServerDialog");
     dialog.setObjectName("MailServerDialog");
     dialog.setWindowTitle(QText(TxtSmtpTitle));
     auto* server = new QLineEdit(QString::fromStdString(s.server), &dialog);
@@ -107,11 +103,9 @@ void EditMailServer(QWidget* parent)
     form->addRow(QText(TxtSender), sender);
     form->addRow(QText(TxtTrustedCertificates), trusted);
     form->addRow(keep);
-    auto* layout = new QVBoxLayout(&dialog);
-    layout->addLayout(form);
-    layout->addWidget(note);
-    layout->addWidget(OkCancel(&dialog));
-    if (dialog.exec() != QDialog::Accepted)
+    dialog.ContentLayout()->addLayout(form);
+    dialog.ContentLayout()->addWidget(note);
+    if (dialog.Exec() != QDialog::Accepted)
         return;
     s.server = server->text().trimmed().toStdString();
     s.port = static_cast<unsigned>(port->value());
@@ -129,7 +123,7 @@ void SendPoints(QWidget* parent, const std::vector<const CSurveyPoint*>& points)
         Inform(QText(TxtNothingSelected), 0x40 /* MB_ICONINFORMATION */);
         return;
     }
-    QDialog dialog(parent);
+    CNyrDialog dialog(parent, "NyrSurvey/SendDialog");
     dialog.setObjectName("SendDialog");
     dialog.setWindowTitle(QText(TxtSendTitle));
     auto* to = new QLineEdit(QString::fromStdString(ReadSetting("MailTo", std::string())), &dialog);
@@ -144,10 +138,8 @@ void SendPoints(QWidget* parent, const std::vector<const CSurveyPoint*>& points)
     form->addRow(QText(TxtMailBody), body);
     form->addRow(QText(TxtSendWith), client);
     form->addRow(QString(), server);
-    auto* layout = new QVBoxLayout(&dialog);
-    layout->addLayout(form);
-    layout->addWidget(OkCancel(&dialog));
-    if (dialog.exec() != QDialog::Accepted)
+    dialog.ContentLayout()->addLayout(form);
+    if (dialog.Exec() != QDialog::Accepted)
         return;
     PointsMail mail{to->text().trimmed().toStdString(), subject->text().toStdString(),
                     body->toPlainText().toStdString(), AttachmentPath(points).toStdString()};
@@ -159,8 +151,10 @@ void SendPoints(QWidget* parent, const std::vector<const CSurveyPoint*>& points)
         if (!mail.to.empty())
             recipients.push_back({"", mail.to});
         std::vector<std::string> files{mail.attachment};
-        CNyrMapiSendMail().Send(&recipients, nullptr, nullptr, mail.subject.c_str(), mail.body.c_str(), &files,
-                                CNyrMapiSendMail::MAPI_DIALOG);
+        const auto result = CNyrMapiSendMail().Send(&recipients, nullptr, nullptr, mail.subject.c_str(),
+                                                    mail.body.c_str(), &files, CNyrMapiSendMail::MAPI_DIALOG);
+        CNyrLogFile::Default().Info(std::to_string(points.size()) + " points handed to the mail client for " +
+                                    mail.to + " (result " + std::to_string(result) + ")");
         return;
     }
     const SmtpSettings smtp = SmtpSettings::Load();
@@ -172,6 +166,9 @@ void SendPoints(QWidget* parent, const std::vector<const CSurveyPoint*>& points)
         CNyrWaitCursor wait;
         sent = SendOverSmtp(smtp, password, mail, error);
     }
+    CNyrLogFile::Default().Write(sent ? CNyrLogFile::eInfo : CNyrLogFile::eError,
+                                 std::to_string(points.size()) + " points sent to " + mail.to + " over " +
+                                     smtp.server + (sent ? "" : ": " + error));
     if (sent)
         Inform(QText(TxtSent).arg(points.size()).arg(QString::fromStdString(mail.to)), 0x40);
     else

@@ -6,6 +6,7 @@
 
 #include "apps/nyr-survey/project/geodesy.h"
 #include "apps/nyr-survey/project/survey_point.h"
+#include "nyr/app/progress.h"
 
 namespace survey {
 
@@ -116,15 +117,20 @@ ProjectData MakeSampleProject()
     return data;
 }
 
-ProjectData MakeTestData(std::size_t count, uint64_t seed)
+ProjectData MakeTestData(std::size_t count, uint64_t seed, CNyrProgress* progress)
 {
+    constexpr std::size_t kStep = 4096;  // points between two reports
     static const char* const codes[] = {"TP", "BM", "PP", "GCP", "GNSS", "WALL", "KERB", "TREE"};
     ProjectData data;
     data.project->SetUtmZone(32, true);
     data.points.reserve(count);
     Random random(seed);
     const double start = static_cast<double>(Utc(2016, 1, 1, 0, 0));
+    if (progress)
+        progress->SetTotal(count);
     for (std::size_t i = 0; i < count; ++i) {
+        if (progress && i % kStep == 0 && !progress->SetPosition(i))
+            break;
         const double t = std::floor((start + random.Uniform(0.0, 2.0 * 365 * 86400)) * 1000.0) / 1000.0;
         AddPoint(data, random, "P " + std::to_string(i + 1), codes[random.Next() % 8], 0.22, 0.34, t);
     }

@@ -5,6 +5,8 @@
 
 #include "apps/nyr-survey/project/survey_project.h"
 
+class CNyrProgress;
+
 namespace survey {
 
 // The built-in sample: a control network of 300 points around a town on
@@ -16,7 +18,9 @@ namespace survey {
 ProjectData MakeSampleProject();
 
 // `count` points of the same kind spread over 50 km x 50 km, for trying the
-// list at scale; `seed` picks the points.
-ProjectData MakeTestData(std::size_t count, uint64_t seed = 1);
+// list at scale; `seed` picks the points. For any thread: `progress` (may be
+// null) is told the points made, and once it is cancelled the points made
+// so far come back.
+ProjectData MakeTestData(std::size_t count, uint64_t seed = 1, CNyrProgress* progress = nullptr);
 
 }  // namespace survey

@@ -41,7 +41,7 @@ bool IsDigit(char c)
 
 }  // namespace
 
-CSurveyPoint::CSurveyPoint(const CSurveyProject& project, Data data) : m_project(&project), m_data(std::move(data))
+CSurveyPoint::CSurveyPoint(CSurveyProject& project, Data data) : m_project(&project), m_data(std::move(data))
 {
 }
 
@@ -146,7 +146,7 @@ void CSurveyPoint::OnGetItemColor(unsigned int realItem, unsigned int screenItem
 {
     (void)realItem, (void)screenItem, (void)realCol, (void)screenCol, (void)textColor;
     // The base point stands out in every column.
-    if (m_project->HasBase() && m_project->BaseName() == m_data.name)
+    if (IsBase())
         backColor = NyrRGB(255, 244, 200);
 }
 

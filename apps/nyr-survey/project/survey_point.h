@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "apps/nyr-survey/project/geodesy.h"
 #include "nyr/time/time.h"
@@ -39,6 +40,13 @@ enum eColumn : unsigned int {
 // the project's base point are worked out on first use and kept until the
 // base changes. The plan beside the list draws it at its grid position with
 // the symbol of its code and its name as label.
+//
+// Editing (Change, and in place in the list: the name, the code, the grid
+// position, the height, latitude and longitude and the observation) keeps
+// the point whole: a new grid position moves latitude and longitude with it
+// in the project's UTM zone, and the other way round; a new name or
+// position of the base point moves the base, so that every distance and
+// azimuth is measured anew.
 class CSurveyPoint : public CNyrReportViewItem, public CNyrPlanPoint
 {
 public:
@@ -54,8 +62,11 @@ public:
         CNyrTime observed{kNoTime};
     };
 
+    // Which position an edit sets; the other follows from it.
+    enum ePlacedBy { PlacedByGrid, PlacedByLatLon };
+
     // `project` must outlive the point.
-    CSurveyPoint(const CSurveyProject& project, Data data);
+    CSurveyPoint(CSurveyProject& project, Data data);
     ~CSurveyPoint() override;
 
     const Data& GetData() const { return m_data; }
@@ -68,6 +79,13 @@ public:
     // The cell text as the list shows it in the current units and format.
     void CellText(unsigned int realCol, std::string& text) const;
 
+    // Takes `data`, its position set by the grid coordinates or by latitude
+    // and longitude (the other pair is worked out); data.code indexes the
+    // project's code table (CodeIndex). False with the reason, and nothing
+    // changed, for an empty name or a position outside the zone's grid.
+    bool Change(Data data, ePlacedBy placedBy, std::string& error);
+    uint32_t CodeIndex(std::string_view code);
+
     int OnGetItemText(unsigned int realCol, unsigned int screenCol, std::string& text) override;
     int OnCompareItem(const CNyrReportViewItem* other, unsigned int realCol) override;
     void OnGetItemColor(unsigned int realItem, unsigned int screenItem, unsigned int realCol, unsigned int screenCol,
@@ -75,9 +93,14 @@ public:
     int OnGetPlanPosition(double& easting, double& northing) const override;
     // The index into the project's code table.
     unsigned int OnGetPlanCode() const override;
+    int OnEditItemKind(unsigned int realCol) override;
+    void OnEditItemBegin(unsigned int realCol, CNyrInputControl& field) override;
+    int OnEditItemSave(unsigned int realCol, CNyrInputControl& field, std::string& message) override;
 
 private:
-    const CSurveyProject* m_project;
+    bool IsBase() const;
+
+    CSurveyProject* m_project;
     Data m_data;
     mutable uint32_t m_baseGeneration = 0;  // the base m_fromBase belongs to; 0: none yet
     mutable Geodesic m_fromBase{0.0, 0.0};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "nyrwidgets/app/dialog.h"
 
 class CNyrMessageBoxAnswersView;
 
@@ -9,7 +9,7 @@ namespace survey {
 // Settings > Remembered answers: the library's view of the remembered
 // message-box answers in a dialog; OK stores what the user changed, Cancel
 // forgets it.
-class CAnswersDialog : public QDialog
+class CAnswersDialog : public CNyrDialog
 {
     Q_OBJECT
 public:
@@ -18,8 +18,10 @@ public:
 
     CNyrMessageBoxAnswersView* View() const { return m_view; }
 
-    void accept() override;
     void reject() override;
+
+protected:
+    bool OnApply() override;
 
 private:
     CNyrMessageBoxAnswersView* m_view;

@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QVBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -39,7 +40,8 @@ bool GpsText(const QString& text, CNyrTime& time)
 }  // namespace
 
 CTimeConverter::CTimeConverter(QWidget* parent)
-    : QDialog(parent), m_time(CTime::GetCurrentTime()), m_leap(new QLabel(this)), m_message(new QLabel(this))
+    : CNyrDialog(parent, "NyrSurvey/TimeConverter", eOK), m_time(CTime::GetCurrentTime()), m_leap(new QLabel(this)),
+      m_message(new QLabel(this))
 {
     setObjectName("TimeConverter");
     setWindowTitle(QText(TxtTimeTitle));
@@ -47,26 +49,24 @@ CTimeConverter::CTimeConverter(QWidget* parent)
     const unsigned int labels[] = {TxtLocalTime, TxtUtc, TxtMjd, TxtGpsWeekSeconds};
     for (int f = 0; f < FieldCount; ++f) {
         m_fields[f] = new QLineEdit(this);
-        m_fields[f]->setMinimumWidth(260);
+        m_fields[f]->setMinimumWidth(DialogUnitsX(130));
         form->addRow(QText(labels[f]), m_fields[f]);
         connect(m_fields[f], &QLineEdit::returnPressed, this, [this, f] { ConvertFrom(static_cast<eField>(f)); });
     }
     form->addRow(QString(), m_leap);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    QPushButton* now = buttons->addButton(QText(TxtNow), QDialogButtonBox::ActionRole);
-    QPushButton* import = buttons->addButton(QText(TxtImportLeap), QDialogButtonBox::ActionRole);
+    QPushButton* now = ButtonBox()->addButton(QText(TxtNow), QDialogButtonBox::ActionRole);
+    QPushButton* import = ButtonBox()->addButton(QText(TxtImportLeap), QDialogButtonBox::ActionRole);
     // Enter confirms a field, it does not close the dialog.
-    for (QAbstractButton* b : buttons->buttons())
-        if (auto* push = qobject_cast<QPushButton*>(b))
+    for (QAbstractButton* b : ButtonBox()->buttons())
+        if (auto* push = qobject_cast<QPushButton*>(b)) {
             push->setAutoDefault(false);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+            push->setDefault(false);
+        }
     connect(now, &QPushButton::clicked, this, [this] { SetTime(CNyrTime(CTime::GetCurrentTime())); });
     connect(import, &QPushButton::clicked, this, &CTimeConverter::ImportLeapSeconds);
     m_message->setWordWrap(true);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addWidget(m_message);
-    layout->addWidget(buttons);
+    ContentLayout()->addLayout(form);
+    ContentLayout()->addWidget(m_message);
     SetTime(CNyrTime(CTime::GetCurrentTime()));
 }
 

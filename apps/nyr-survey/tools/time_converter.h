@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QDialog>
-
 #include "nyr/time/time.h"
+#include "nyrwidgets/app/dialog.h"
 
 class QLabel;
 class QLineEdit;
@@ -13,8 +12,8 @@ namespace survey {
 // time format), UTC (ISO 8601), MJD (of UTC) and GPS week and seconds. Any
 // field typed in and confirmed with Enter sets the instant; GPS - UTC comes
 // from the library's leap-second table, and the system's leap-second list
-// can be imported into it.
-class CTimeConverter : public QDialog
+// can be imported into it. OK closes it; Enter in a field converts.
+class CTimeConverter : public CNyrDialog
 {
     Q_OBJECT
 public:

@@ -1,7 +1,7 @@
 #include "apps/nyr-survey/tools/unit_converter.h"
 
-#include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QVBoxLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -48,13 +48,12 @@ void Convert(CNyrValue& value, CNyrUnitSettings& settings, const QString& text, 
 }  // namespace
 
 CUnitConverter::CUnitConverter(QWidget* parent)
-    : QDialog(parent), m_angleEdit(new QLineEdit("12 30 15.5", this)), m_distanceEdit(new QLineEdit("1000", this)),
+    : CNyrDialog(parent, "NyrSurvey/UnitConverter", eOK), m_angleEdit(new QLineEdit("12 30 15.5", this)), m_distanceEdit(new QLineEdit("1000", this)),
       m_angleUnit(new CNyrUnitSettingsAngle::CUnitAngleComboBox(this)),
       m_distanceUnit(new CNyrUnitSettingsDistance::CUnitDistanceComboBox(this))
 {
     setObjectName("UnitConverter");
     setWindowTitle(QText(TxtUnitTitle));
-    auto* layout = new QVBoxLayout(this);
     struct Group
     {
         unsigned int title;
@@ -75,7 +74,7 @@ CUnitConverter::CUnitConverter(QWidget* parent)
             form->addRow(QString::fromStdString(NyrLoadString(static_cast<unsigned int>(row->textId))), label);
             m_results.emplace_back(row->unit, label);
         }
-        layout->addWidget(box);
+        ContentLayout()->addWidget(box);
     }
     CNyrUnitSettingsAngle::Default().InitializeUnitAngleComboBox(*m_angleUnit);
     CNyrUnitSettingsDistance::Default().InitializeUnitDistanceComboBox(*m_distanceUnit);
@@ -83,9 +82,6 @@ CUnitConverter::CUnitConverter(QWidget* parent)
     connect(m_angleUnit, &QComboBox::currentIndexChanged, this, &CUnitConverter::ConvertAngle);
     connect(m_distanceEdit, &QLineEdit::textChanged, this, &CUnitConverter::ConvertDistance);
     connect(m_distanceUnit, &QComboBox::currentIndexChanged, this, &CUnitConverter::ConvertDistance);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
     ConvertAngle();
     ConvertDistance();
 }

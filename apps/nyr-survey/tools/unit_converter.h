@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QDialog>
 #include <vector>
 
 #include "nyr/values/unit_settings.h"
+#include "nyrwidgets/app/dialog.h"
 
 class QLabel;
 class QLineEdit;
@@ -15,7 +15,7 @@ namespace survey {
 // eight units, packed DMS and gon included; distances in metres and both
 // feet). Conversions use settings objects of their own, so the user's
 // display units are not touched.
-class CUnitConverter : public QDialog
+class CUnitConverter : public CNyrDialog
 {
     Q_OBJECT
 public:

@@ -48,13 +48,31 @@ void CTourRunner::Shot(const QString& name, QWidget* dialog)
     QPixmap shot = m_window->grab();
     if (dialog) {
         // A dialog is its own window: draw it over the main window, centred,
-        // with a frame, as a user sees it.
+        // with a frame and its title bar, as a user sees it.
         const QPixmap inner = dialog->grab();
         QPainter painter(&shot);
-        const QPoint at((shot.width() - inner.width()) / 2, (shot.height() - inner.height()) / 2);
-        painter.fillRect(QRect(at - QPoint(2, 2), inner.size() + QSize(4, 4)), QColor(60, 60, 60));
+        const int bar = painter.fontMetrics().height() + 8;
+        const QPoint at((shot.width() - inner.width()) / 2, (shot.height() - inner.height() + bar) / 2);
+        const QRect frame(at - QPoint(2, bar), inner.size() + QSize(4, bar + 2));
+        painter.fillRect(frame, QColor(60, 60, 60));
+        painter.setPen(Qt::white);
+        painter.drawText(QRect(frame.left() + 8, frame.top(), frame.width() - 16, bar), Qt::AlignVCenter,
+                         dialog->windowTitle());
         painter.drawPixmap(at, inner);
     }
+    const QString path = File(QString("%1-%2.png").arg(++m_shots, 2, 10, QChar('0')).arg(name));
+    Check(shot.save(path, "PNG"), "screenshot " + path);
+    Say("  screenshot: " + path);
+}
+
+void CTourRunner::ShotMenus(const QString& name, const std::vector<QWidget*>& menus)
+{
+    QApplication::processEvents();
+    QPixmap shot = m_window->grab();
+    QPainter painter(&shot);
+    for (QWidget* menu : menus)
+        painter.drawPixmap(m_window->mapFromGlobal(menu->pos()), menu->grab());
+    painter.end();
     const QString path = File(QString("%1-%2.png").arg(++m_shots, 2, 10, QChar('0')).arg(name));
     Check(shot.save(path, "PNG"), "screenshot " + path);
     Say("  screenshot: " + path);
@@ -118,6 +136,31 @@ QString CTourRunner::Cell(int screenRow, unsigned int realCol) const
 {
     const CPointView& view = *m_window->View();
     return QString::fromStdString(view.GetItemText(screenRow, view.ScreenColFromReal(realCol)));
+}
+
+int CTourRunner::RealOf(const QString& name) const
+{
+    const CPointView& view = *m_window->View();
+    for (unsigned int r = 0; r < view.GetRealItemCount(); ++r) {
+        const auto* point = static_cast<const CSurveyPoint*>(view.GetRealItem(r));
+        if (point && !point->IsDeleted() && QString::fromStdString(point->Name()) == name)
+            return static_cast<int>(r);
+    }
+    return -1;
+}
+
+int CTourRunner::Focus(const QString& name)
+{
+    CPointView& view = *m_window->View();
+    const int real = RealOf(name);
+    if (!Check(real >= 0, "the sample has " + name))
+        return -1;
+    view.SelectAllItems(0);
+    view.SelectRealItem(static_cast<unsigned int>(real), 1);
+    view.FocusRealItem(static_cast<unsigned int>(real));
+    view.EnsureRealItemVisible(static_cast<unsigned int>(real));
+    QApplication::processEvents();
+    return view.ScreenItemFromReal(static_cast<unsigned int>(real));
 }
 
 int RunTour(const QString& outDir)

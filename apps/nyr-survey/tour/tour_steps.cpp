@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QRadioButton>
 #include <QTest>
 #include <QTimer>
@@ -55,9 +56,13 @@ int CTourRunner::Run()
     StepPlan();
     StepFind();
     StepDelete();
+    StepEdit();
     StepExport();
+    StepPrint();
+    StepRecent();
     StepTools();
     StepGerman();
+    StepLongWork();
     QFile log(File("tour.txt"));
     if (log.open(QIODevice::WriteOnly | QIODevice::Truncate))
         log.write((m_log.join('\n') + '\n').toUtf8());
@@ -218,7 +223,7 @@ void CTourRunner::StepDelete()
 
 void CTourRunner::StepExport()
 {
-    Say("8. File > Export...: the list as CSV and as tab-delimited text, read back");
+    Say("9. File > Export...: the list as CSV and as tab-delimited text, read back");
     const struct
     {
         const char* name;
@@ -251,7 +256,7 @@ void CTourRunner::StepExport()
 
 void CTourRunner::StepTools()
 {
-    Say("9. Tools: the time converter across the leap second, the angle and distance converter");
+    Say("12. Tools: the time converter across the leap second, the angle and distance converter");
     WhenModal("survey::CTimeConverter", [this](QDialog& d) {
         auto& converter = static_cast<CTimeConverter&>(d);
         converter.Field(CTimeConverter::FieldUtc)->setText("2016-12-31T23:59:59.500Z");
@@ -271,7 +276,7 @@ void CTourRunner::StepTools()
 
 void CTourRunner::StepGerman()
 {
-    Say("10. Settings > Language > Deutsch, then Help > About");
+    Say("13. Settings > Language > Deutsch, then Help > About");
     Trigger(CMainWindow::ActGerman);
     QStringList texts;
     for (const QAction* menu : m_window->menuBar()->actions())
@@ -279,14 +284,15 @@ void CTourRunner::StepGerman()
     const CPointView& view = *m_window->View();
     for (int c = 0; c < view.GetColumnCount(); ++c)
         texts << "column: " + QString::fromStdString(view.GetColumnLabel(c));
-    texts << "status: " + m_window->StatusText() << "title: " + m_window->windowTitle();
+    texts << "status: " + m_window->StatusText() << "title: " + m_window->windowTitle()
+          << "message: " + m_window->statusBar()->currentMessage() << "plan: " + m_window->Plan()->GetCursorText();
     QFile file(File("texts-de.txt"));
     Check(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write((texts.join('\n') + '\n').toUtf8()) > 0,
           "texts-de.txt is written");
     Check(m_window->menuBar()->actions().value(0) && m_window->menuBar()->actions()[0]->text() == "&Datei",
           "the menus are German");
     Shot("german");
-    WhenModal("survey::CAboutDialog", [this](QDialog& d) {
+    WhenModal("CNyrAboutDialog", [this](QDialog& d) {
         Shot("about", &d);
         d.accept();
     });

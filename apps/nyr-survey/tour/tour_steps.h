@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "apps/nyr-survey/window/main_window.h"
 
@@ -36,14 +37,20 @@ private:
     void StepPlan();
     void StepFind();
     void StepDelete();
+    void StepEdit();
     void StepExport();
+    void StepPrint();
+    void StepRecent();
     void StepTools();
     void StepGerman();
+    void StepLongWork();
 
     void Say(const QString& text);
     bool Check(bool ok, const QString& what);
     QString File(const QString& name) const;
     void Shot(const QString& name, QWidget* dialog = nullptr);
+    // A screenshot of the window with its open pop-up menus where they are.
+    void ShotMenus(const QString& name, const std::vector<QWidget*>& menus);
     // Arms `act` for the next modal dialog of class `className`; waits at
     // most ten seconds for it. Deleting the timer returned disarms it.
     QTimer* WhenModal(const char* className, std::function<void(QDialog&)> act);
@@ -53,6 +60,10 @@ private:
     // Selects the entry of a unit list whose data is `data`.
     void PickData(QComboBox* box, long data);
     QString Cell(int screenRow, unsigned int realCol) const;
+    // The real index of the point named `name`; -1 when there is none.
+    int RealOf(const QString& name) const;
+    // Selects and shows that point alone; its screen row, -1 when none.
+    int Focus(const QString& name);
 
     QString m_dir;
     std::unique_ptr<CMainWindow> m_window;

@@ -1,8 +1,10 @@
 #include "apps/nyr-survey/window/main_window.h"
 
+#include <GeographicLib/Config.h>
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QSplitter>
 #include <QStatusBar>
@@ -12,10 +14,12 @@
 #include "apps/nyr-survey/app/settings.h"
 #include "apps/nyr-survey/app/texts.h"
 #include "apps/nyr-survey/project/geodesy.h"
-#include "apps/nyr-survey/tools/about_dialog.h"
 #include "apps/nyr-survey/window/point_view.h"
 #include "apps/nyr-survey/window/unit_bar.h"
+#include "nyr/app/recent_documents.h"
 #include "nyr/frame/ui_hooks.h"
+#include "nyrwidgets/app/about_dialog.h"
+#include "nyrwidgets/app/recent_documents_menu.h"
 #include "nyrwidgets/frame/help_app.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/plan_view.h"
@@ -32,8 +36,9 @@ constexpr long kStatusMask = CNyrReportView::NotifyItemDisplay | CNyrReportView:
 
 CMainWindow::CMainWindow(QWidget* parent)
     : QMainWindow(parent), m_view(new CPointView(this)), m_plan(new CNyrPlanView(this)),
-      m_unitBar(new CUnitBar(this, this)), m_counts(new QLabel(this)), m_base(new QLabel(this)),
-      m_statusTimer(new QTimer(this)), m_titleId(TxtSampleProject)
+      m_unitBar(new CUnitBar(this, this)), m_recentMenu(new QMenu(this)),
+      m_recent(std::make_unique<CNyrRecentDocuments>(kRecentSection, 9)), m_counts(new QLabel(this)),
+      m_base(new QLabel(this)), m_statusTimer(new QTimer(this)), m_titleId(TxtSampleProject)
 {
     setObjectName("MainWindow");
     auto* splitter = new QSplitter(this);
@@ -44,13 +49,20 @@ CMainWindow::CMainWindow(QWidget* parent)
     splitter->setSizes({740, 540});
     setCentralWidget(splitter);
     m_plan->SetReportView(m_view);
+    m_view->SetPlan(m_plan);
     connect(m_view, &CPointView::ProjectChanged, this, &CMainWindow::SetUpPlan);
+    connect(m_view, &CPointView::ModifiedChanged, this, &CMainWindow::UpdateTitle);
     addToolBar(m_unitBar);
     statusBar()->addPermanentWidget(m_base);
     statusBar()->addPermanentWidget(m_counts);
     setAcceptDrops(true);
     CreateActions();
     CreateMenus();
+    // Files that went away are marked and disabled, not dropped: a network
+    // share may come back.
+    m_recent->Load();
+    m_recentHelper = std::make_unique<CNyrRecentDocumentsMenu>(*m_recent, m_recentMenu);
+    connect(m_recentHelper.get(), &CNyrRecentDocumentsMenu::documentSelected, this, &CMainWindow::OpenFile);
     // A selection of a million rows sends a million notifications: the
     // counts are worked out once, after the last of them.
     m_statusTimer->setSingleShot(true);
@@ -105,7 +117,9 @@ void CMainWindow::UpdateStatus()
 void CMainWindow::UpdateTitle()
 {
     const QString name = m_path.isEmpty() ? QText(m_titleId) : QFileInfo(m_path).fileName();
-    setWindowTitle(name + " - " + QText(TxtAppName));
+    setWindowTitle((m_view->IsModified() ? "*" : "") + name + " - " + QText(TxtAppName));
+    m_view->SetPrintTitle((name + " - " + QText(TxtAppName)).toStdString());
+    m_view->SetFileStem(FileStem());
 }
 
 bool CMainWindow::event(QEvent* e)
@@ -137,7 +151,10 @@ void CMainWindow::dropEvent(QDropEvent* e)
 
 void CMainWindow::ShowAbout()
 {
-    CAboutDialog(this).exec();
+    CNyrAboutDialog about(this, QText(TxtAppName), QStringLiteral(NYR_SURVEY_VERSION),
+                          {{"GeographicLib", GEOGRAPHICLIB_VERSION_STRING}});
+    about.setObjectName("AboutDialog");
+    about.Exec();
 }
 
 void CMainWindow::SetUpPlan()

@@ -3,10 +3,13 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <array>
+#include <memory>
 
 #include "apps/nyr-survey/project/survey_project.h"
 
 class CNyrPlanView;
+class CNyrRecentDocuments;
+class CNyrRecentDocumentsMenu;
 class QAction;
 class QLabel;
 class QMenu;
@@ -18,24 +21,25 @@ class CPointView;
 class CUnitBar;
 
 // The application's main window: the point list and beside it the plan of
-// the points (a CNyrPlanView in step with the list), the unit tool bar above, counts and the base point in the status bar, and menus
-// that reach every command of the list. It accepts points files dropped on
-// it.
+// the points (a CNyrPlanView in step with the list), the unit tool bar
+// above, counts and the base point in the status bar, and menus that reach
+// every command of the list, printing (the list and the plan) among them.
+// It accepts points files dropped on it.
 //
-// Where the library's coming parts plug in (see the README's walk-through):
-// point editing -> CPointView::OnModifyRealItem; printing -> the File menu
-// beside Export (ActionDefs in main_window_actions.cpp); recent files and
-// single instance -> OpenFile, which every way of opening goes through;
-// progress on long work -> GenerateTestData and OpenFile, which now show
-// the busy cursor; the About dialog -> ShowAbout.
+// Every way of opening a file (the menu, the recent files, a drop, the
+// command line, a later start of the program) goes through OpenFile, which
+// keeps the recent files list and the log; long work (opening, generating
+// test data) runs on a worker with a progress dialog whose Cancel leaves the
+// open project as it was.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
     // The commands, one action each.
     enum eAction {
-        ActOpen, ActSave, ActSaveAs, ActExport, ActSend, ActSample, ActGenerate, ActExit,
-        ActDelete, ActSetBase, ActFind, ActFindNext, ActFindPrevious, ActSelectAll, ActInvertSelection,
+        ActOpen, ActSave, ActSaveAs, ActExport, ActPrint, ActPrintPreview, ActExportPdf, ActSend, ActSample,
+        ActGenerate, ActExit,
+        ActEditPoint, ActDelete, ActSetBase, ActFind, ActFindNext, ActFindPrevious, ActSelectAll, ActInvertSelection,
         ActSelectChecked, ActCheckAll, ActInvertChecked, ActCheckSelected, ActUncheckSelected,
         ActColumns, ActSortMultiple, ActOriginalOrder, ActAutoArrange, ActShowAllColumns,
         ActTimeConverter, ActUnitConverter,
@@ -47,15 +51,19 @@ public:
     explicit CMainWindow(QWidget* parent = nullptr);
     ~CMainWindow() override;
 
-    // Reads a points file and shows it; on failure the open project stays
-    // and the reason is shown. True when opened.
+    // Reads a points file and shows it; on failure (or Cancel) the open
+    // project stays and the reason is shown. True when opened.
     bool OpenFile(const QString& path);
+    // Opens the files a later start of the program was given, relative to
+    // the folder it was started in.
+    void OpenHandedOver(const QStringList& files, const QString& workingDirectory);
     // Writes the points (File > Save form) to `path`, asking first when it
     // exists ("Files/Overwrite"). True when written.
     bool SaveFile(const QString& path);
     void OpenSample();
-    // Replaces the project with `count` generated points.
-    void GenerateTestData(std::size_t count);
+    // Replaces the project with `count` generated points; false when
+    // cancelled (the project stays).
+    bool GenerateTestData(std::size_t count);
     // Switches and stores the language; false when the modules are missing.
     bool ChangeLanguage(int language);
 
@@ -63,6 +71,8 @@ public:
     CNyrPlanView* Plan() const { return m_plan; }
     CUnitBar* UnitBar() const { return m_unitBar; }
     QAction* Action(eAction action) const { return m_actions[action]; }
+    QMenu* RecentMenu() const { return m_recentMenu; }
+    CNyrRecentDocuments& RecentFiles() const { return *m_recent; }
     const QString& FilePath() const { return m_path; }
     // The status bar's texts: counts and base point.
     QString StatusText() const;
@@ -81,10 +91,14 @@ private:
     void SaveAs();
     void ShowAbout();
     void UpdateTitle();
+    void LoadProject(ProjectData loaded);
     void ScheduleStatus();
     void UpdateStatus();
     QString AskFileName(bool save);
     void ShowError(const std::string& text);
+    // What printing and exports start from: the file's folder and name, or
+    // the last folder of points files.
+    std::string FileStem() const;
     // One symbol per code of the project, and the projection of its UTM zone.
     void SetUpPlan();
 
@@ -93,6 +107,9 @@ private:
     CUnitBar* m_unitBar;
     std::array<QAction*, ActCount> m_actions{};
     std::array<QMenu*, 7> m_menus{};  // File, Edit, View, Tools, Settings, Language, Help
+    QMenu* m_recentMenu;
+    std::unique_ptr<CNyrRecentDocuments> m_recent;
+    std::unique_ptr<CNyrRecentDocumentsMenu> m_recentHelper;  // goes before the list it follows
     QLabel* m_counts;
     QLabel* m_base;
     QTimer* m_statusTimer;

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QStatusBar>
 
 #include "apps/nyr-survey/app/language.h"
 #include "apps/nyr-survey/app/settings.h"
@@ -17,6 +18,7 @@
 #include "apps/nyr-survey/window/unit_bar.h"
 #include "nyr/frame/notifications.h"
 #include "nyrwidgets/frame/message_event.h"
+#include "nyrwidgets/views/view_print_list.h"
 
 namespace survey {
 
@@ -41,10 +43,14 @@ const ActionDef kActions[CMainWindow::ActCount] = {
     {TxtSave, QKeySequence::Save, "", MenuFile, false},
     {TxtSaveAs, QKeySequence::SaveAs, "", MenuFile, false},
     {TxtExport, kNone, "Ctrl+E", MenuFile, true},
-    {TxtSend, kNone, "", MenuFile, false},
+    {TxtPrint, QKeySequence::Print, "", MenuFile, true},
+    {TxtPrintPreview, kNone, "", MenuFile, false},
+    {TxtExportPdf, kNone, "", MenuFile, false},
+    {TxtSend, kNone, "", MenuFile, true},
     {TxtOpenSample, kNone, "", MenuFile, true},
     {TxtGenerate, kNone, "", MenuFile, false},
     {TxtExit, QKeySequence::Quit, "", MenuFile, true},
+    {TxtEditPoint, kNone, "Alt+Return", MenuEdit, false},
     {TxtDelete, kNone, "Del", MenuEdit, false},
     {TxtSetBase, kNone, "Ctrl+B", MenuEdit, false},
     {TxtFind, kNone, "Ctrl+F", MenuEdit, true},
@@ -88,6 +94,9 @@ unsigned int ViewCommand(CMainWindow::eAction action)
     case CMainWindow::ActCheckAll: return WM_NYR_REPORTVIEW_CHECK_ALL;
     case CMainWindow::ActInvertChecked: return WM_NYR_REPORTVIEW_INVERT_CHECKED;
     case CMainWindow::ActExport: return WM_NYR_REPORTVIEW_SAVE_AS;
+    case CMainWindow::ActPrint: return NyrListViewPrintMessage();
+    case CMainWindow::ActPrintPreview: return NyrListViewPrintPreviewMessage();
+    case CMainWindow::ActExportPdf: return NyrListViewExportPdfMessage();
     case CMainWindow::ActColumns: return WM_NYR_REPORTVIEW_COLUMNS_DLG;
     case CMainWindow::ActSortMultiple: return WM_NYR_REPORTVIEW_SORT_MULTIPLE;
     case CMainWindow::ActOriginalOrder: return WM_NYR_REPORTVIEW_SORT_UNSORTED;
@@ -134,6 +143,7 @@ void CMainWindow::CreateMenus()
             menu->addSeparator();
         menu->addAction(m_actions[static_cast<std::size_t>(a)]);
     }
+    m_menus[MenuFile]->insertMenu(m_actions[ActSave], m_recentMenu);
 }
 
 void CMainWindow::Retranslate()
@@ -142,9 +152,13 @@ void CMainWindow::Retranslate()
         m_menus[m]->setTitle(QText(kMenuTitles[m]));
     for (int a = 0; a < ActCount; ++a)
         m_actions[static_cast<std::size_t>(a)]->setText(QText(kActions[a].text));
+    m_recentMenu->setTitle(QText(TxtRecentFiles));
     m_actions[CurrentLanguage() == LanguageGerman ? ActGerman : ActEnglish]->setChecked(true);
     m_unitBar->Retranslate();
     m_view->UpdateColumnLabels();
+    QEvent changed(QEvent::LanguageChange);
+    QApplication::sendEvent(m_plan, &changed);
+    statusBar()->clearMessage();  // said in the language before
     UpdateTitle();
     UpdateStatus();
 }
@@ -157,6 +171,10 @@ void CMainWindow::Run(eAction action)
     case ActSaveAs: SaveAs(); break;
     case ActSend: SendPoints(this, m_view->ChosenPoints()); break;
     case ActSample: OpenSample(); break;
+    case ActEditPoint:
+        if (const int real = m_view->FocusedRealItem(); real >= 0)
+            m_view->EditPoint(static_cast<unsigned int>(real));
+        break;
     case ActGenerate: GenerateTestData(1000000); break;
     case ActExit: close(); break;
     case ActSetBase:
@@ -165,9 +183,9 @@ void CMainWindow::Run(eAction action)
         break;
     case ActCheckSelected: m_view->CheckSelectedItems(1); break;
     case ActUncheckSelected: m_view->CheckSelectedItems(0); break;
-    case ActTimeConverter: CTimeConverter(this).exec(); break;
-    case ActUnitConverter: CUnitConverter(this).exec(); break;
-    case ActAnswers: CAnswersDialog(this).exec(); break;
+    case ActTimeConverter: CTimeConverter(this).Exec(); break;
+    case ActUnitConverter: CUnitConverter(this).Exec(); break;
+    case ActAnswers: CAnswersDialog(this).Exec(); break;
     case ActMailServer: EditMailServer(this); break;
     case ActEnglish: ChangeLanguage(LanguageEnglish); break;
     case ActGerman: ChangeLanguage(LanguageGerman); break;

@@ -2,6 +2,7 @@
 
 #include "apps/nyr-survey/io/points_columns.h"
 #include "apps/nyr-survey/project/survey_point.h"
+#include "apps/nyr-survey/window/point_dialog.h"
 #include "nyr/frame/notifications.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/frame/wait_cursor.h"
@@ -22,7 +23,7 @@ struct ColumnLook
 
 // Pixels, alignment and hidden default of each eColumn.
 constexpr ColumnLook kLook[ColCount] = {
-    {90, LVCFMT_LEFT, 0},   {60, LVCFMT_LEFT, 0},   {120, LVCFMT_RIGHT, 0}, {120, LVCFMT_RIGHT, 0},
+    {110, LVCFMT_LEFT, 0},  {60, LVCFMT_LEFT, 0},   {120, LVCFMT_RIGHT, 0}, {120, LVCFMT_RIGHT, 0},
     {90, LVCFMT_RIGHT, 0},  {150, LVCFMT_RIGHT, 0}, {150, LVCFMT_RIGHT, 0}, {150, LVCFMT_LEFT, 0},
     {70, LVCFMT_RIGHT, 0},  {100, LVCFMT_RIGHT, 0}, {110, LVCFMT_RIGHT, 0}, {130, LVCFMT_RIGHT, 0},
 };
@@ -37,8 +38,9 @@ CPointView::CPointView(QWidget* parent) : CNyrReportView(parent), m_project(std:
     SetSerializeSortState(1);
     SetAutoRestore(1);
     SetCheckBoxes(true);
-    const unsigned int rows = MenuSelect | MenuCheck | MenuDelete | MenuFind | MenuFindNP | MenuSaveAs | MenuGlobal;
-    SetItemMenu(rows, rows | MenuModify);
+    const unsigned int rows =
+        MenuSelect | MenuCheck | MenuDelete | MenuFind | MenuFindNP | MenuSaveAs | MenuPrint | MenuGlobal;
+    SetItemMenu(rows | MenuModify, rows | MenuModify);
     SetItemBkMenu(rows, rows);
     std::vector<std::string> labels;
     std::vector<int> widths, alignments, hidden;
@@ -49,6 +51,10 @@ CPointView::CPointView(QWidget* parent) : CNyrReportView(parent), m_project(std:
         hidden.push_back(kLook[c].hidden);
     }
     AddRealCols(labels, widths, alignments, hidden);
+    connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) {
+        if (const int real = RealItemFromScreen(index.row()); real >= 0)
+            EditPoint(static_cast<unsigned int>(real));
+    });
 }
 
 CPointView::~CPointView()
@@ -65,6 +71,7 @@ void CPointView::SetProject(ProjectData loaded)
     for (std::unique_ptr<CSurveyPoint>& point : loaded.points)
         AddRealItem(point.release());
     DisplayRealItems(0);
+    SetModified(false);
     emit ProjectChanged();
 }
 
@@ -95,7 +102,7 @@ std::vector<const CSurveyPoint*> CPointView::ChosenPoints() const
     return points;
 }
 
-bool CPointView::SetBaseFromFocus()
+int CPointView::FocusedRealItem() const
 {
     int real = GetFocusedRealItem();
     if (real < 0 || !GetRealItemSelected(static_cast<unsigned int>(real))) {
@@ -103,6 +110,12 @@ bool CPointView::SetBaseFromFocus()
         GetSelectedRealItems(selected);
         real = selected.empty() ? real : static_cast<int>(selected.front());
     }
+    return real;
+}
+
+bool CPointView::SetBaseFromFocus()
+{
+    const int real = FocusedRealItem();
     const auto* point = real >= 0 ? static_cast<const CSurveyPoint*>(GetRealItem(static_cast<unsigned int>(real)))
                                   : nullptr;
     if (!point || !point->IsVisible())
@@ -160,7 +173,69 @@ void CPointView::OnDeleteSelectedItems()
     if (CNyrMessageBox::ShowMessage(this, kDeleteKey) != NYR_IDYES)
         return;
     DeleteSelectedItems(1);
+    SetModified(true);
     emit ProjectChanged();
+}
+
+void CPointView::OnModifyRealItem(unsigned int realItem)
+{
+    EditPoint(realItem);
+}
+
+bool CPointView::EditPoint(unsigned int realItem)
+{
+    auto* point = static_cast<CSurveyPoint*>(GetRealItem(realItem));
+    if (!point || point->IsDeleted() || !point->IsVisible())
+        return false;
+    CPointDialog dialog(*point, this);
+    if (dialog.Exec() != QDialog::Accepted)
+        return false;
+    RefreshRealItem(realItem);
+    std::vector<SORT_STATE_REALCOL> sorted;
+    GetSortState(sorted);
+    if (!sorted.empty())
+        DisplayRealItems(1);  // the point may belong elsewhere now
+    return true;
+}
+
+void CPointView::OnRefreshRealItem(unsigned int realItem)
+{
+    CNyrReportView::OnRefreshRealItem(realItem);
+    viewport()->update();
+    SetModified(true);
+    emit ProjectChanged();
+}
+
+void CPointView::SetModified(bool modified)
+{
+    if (modified == m_modified)
+        return;
+    m_modified = modified;
+    emit ModifiedChanged(modified);
+}
+
+void CPointView::SetPlan(CNyrPlanView* plan)
+{
+    m_planPage = plan ? std::make_unique<CNyrPlanViewPrint>(plan) : nullptr;
+}
+
+void CPointView::SetFileStem(const std::string& stem)
+{
+    m_fileStem = stem;
+}
+
+void CPointView::OnPrintBegin(CNyrListViewPrint::PRINT_INFO& info)
+{
+    if (m_planPage)
+        info.parts.push_back(m_planPage.get());
+    if (!m_fileStem.empty())
+        info.fileName = m_fileStem + ".pdf";
+}
+
+void CPointView::OnSaveAsBegin(CNyrListViewSaveAsDlgCV::SAVE_AS_INFO& info)
+{
+    if (!m_fileStem.empty())
+        info.fileName = m_fileStem + "-list.csv";
 }
 
 }  // namespace survey

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QStatusBar>
+#include <QTest>
 #include <clocale>
 #include <random>
 #include <sys/stat.h>
@@ -15,12 +16,15 @@
 #include "apps/nyr-survey/io/points_columns.h"
 #include "apps/nyr-survey/io/time_text.h"
 #include "apps/nyr-survey/io/utf8.h"
+#include "apps/nyr-survey/project/geodesy.h"
+#include "apps/nyr-survey/project/survey_point.h"
 #include "apps/nyr-survey/mail/secret_store.h"
 #include "apps/nyr-survey/tools/unit_converter.h"
 #include "apps/nyr-survey/window/main_window.h"
 #include "apps/nyr-survey/window/point_view.h"
 #include "apps/nyr-survey/window/unit_bar.h"
 #include "nyr/values/value_angle.h"
+#include "nyrwidgets/input/input_control.h"
 #include "nyrwidgets/msgbox/message_box.h"
 #include "nyrwidgets/values/unit_combo_box.h"
 #include "tests/support/temp_dir.h"
@@ -198,8 +202,36 @@ TEST_F(Parts, ThePasswordReachesTheSecretStoreOnStandardInputOnly)
     EXPECT_EQ(ReadSetting("SmtpPassword", std::string("none")), "none");
 }
 
-// Random user steps on the sample project; after each the status bar, the
-// list and the project agree.
+// Types a random value into a random editable cell of the point and presses
+// Enter (a value the point cannot take, Escape).
+void EditRandomCell(CPointView& view, unsigned int real, std::mt19937& random)
+{
+    const auto* point = static_cast<const CSurveyPoint*>(view.GetRealItem(real));
+    const CSurveyPoint::Data& d = point->GetData();
+    const double shift = static_cast<double>(random() % 2001) - 1000.0;
+    const struct
+    {
+        unsigned int col;
+        QString text;
+    } edits[] = {{ColPoint, QString::fromStdString(d.name) + "x"},
+                 {ColCode, random() % 2 ? "TP" : "NEW"},
+                 {ColEasting, QString::number(d.easting + shift, 'f', 3)},
+                 {ColNorthing, QString::number(d.northing - shift, 'f', 3)},
+                 {ColHeight, QString::number(shift, 'f', 1)}};
+    const auto& edit = edits[random() % std::size(edits)];
+    view.EnsureRealItemVisible(real);
+    view.EnsureRealColVisible(edit.col);
+    ASSERT_EQ(view.EditRealItem(real, edit.col), 1) << edit.text.toStdString();
+    CNyrInputControl* editor = view.GetInplaceEditor();
+    editor->selectAll();
+    QTest::keyClicks(editor, edit.text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    if (view.GetInplaceEditor())
+        QTest::keyClick(view.GetInplaceEditor(), Qt::Key_Escape);
+}
+
+// Random user steps on the sample project, edits of cells among them; after
+// each the status bar, the list and the project agree.
 TEST_F(Parts, RandomStepsKeepTheWindowConsistent)
 {
     CNyrMessageBoxDialog::SetAnswerHook([](CNyrMessageBoxDialog& d) { return d.Button(NYR_IDYES) ? NYR_IDYES : NYR_IDOK; });
@@ -210,15 +242,18 @@ TEST_F(Parts, RandomStepsKeepTheWindowConsistent)
     std::mt19937 random(240);
     auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
     for (int step = 0; step < 300; ++step) {
+        if (view.GetItemCount() == 0)
+            window.OpenSample();  // all deleted: the walk goes on with points
         const int count = view.GetItemCount();
         const int row = count ? pick(count) : -1;
-        switch (pick(7)) {
+        switch (pick(8)) {
         case 0: if (row >= 0) view.SelectRealItem(static_cast<unsigned>(view.RealItemFromScreen(row)), pick(2)); break;
         case 1: if (row >= 0) view.CheckRealItem(static_cast<unsigned>(view.RealItemFromScreen(row)), pick(2)); break;
         case 2: if (pick(10) == 0) window.Action(CMainWindow::ActDelete)->trigger(); break;
         case 3: window.UnitBar()->DistanceBox()->setCurrentIndex(pick(3)); break;
         case 4: view.SortList(std::vector<CNyrReportView::SORT_STATE_REALCOL>{{static_cast<unsigned>(pick(ColCount)), pick(2)}}); break;
         case 5: if (row >= 0) { view.FocusRealItem(static_cast<unsigned>(view.RealItemFromScreen(row))); window.Action(CMainWindow::ActSetBase)->trigger(); } break;
+        case 6: if (row >= 0) EditRandomCell(view, static_cast<unsigned>(view.RealItemFromScreen(row)), random); break;
         default: window.Action(pick(2) ? CMainWindow::ActSelectAll : CMainWindow::ActInvertChecked)->trigger(); break;
         }
         QApplication::processEvents();
@@ -235,6 +270,12 @@ TEST_F(Parts, RandomStepsKeepTheWindowConsistent)
         }();
         if (base >= 0) {
             ASSERT_EQ(view.GetItemText(base, view.ScreenColFromReal(ColDistance)), " 0.000") << step;
+        }
+        for (const CSurveyPoint* point : view.Points()) {
+            double lat = 0, lon = 0;
+            const CSurveyPoint::Data& d = point->GetData();
+            ASSERT_TRUE(UtmToLatLon(UtmPosition{32, true, d.easting, d.northing}, lat, lon)) << step;
+            ASSERT_NEAR(lat, d.lat, 1e-9) << step << " " << d.name;
         }
     }
     CNyrMessageBoxDialog::SetAnswerHook({});

@@ -11,6 +11,7 @@
 
 #include "apps/nyr-survey/project/sample_project.h"
 #include "nyr/util/profile_entries.h"
+#include "tests/nyrwidgets/views/view_print_test_p.h"
 #include "tests/support/temp_dir.h"
 
 namespace survey {
@@ -69,6 +70,16 @@ TEST_F(Tour, ExportsTheListAsShownByteForByte)
     EXPECT_EQ(lines[0], "Point,Code,Easting [fts],Northing [fts],Height [fts],Latitude [deg],Longitude [deg],"
                         "Observed,GPS week,GPS seconds,Distance [fts],Azimuth [gon]");
     ASSERT_EQ(lines.size(), 1u + 298u);  // the sample less the two points deleted
+    // The points edited in the list and in the point dialog, as edited.
+    std::size_t edited = 0;
+    for (const std::string& line : lines) {
+        const std::vector<std::string> cells = Split(line, ",");
+        if (cells[0] == "TP 105")
+            edited += cells[4] == "1000.000";
+        edited += cells[0] == "GNSS 502a" && cells[1] == "CP";
+        EXPECT_NE(cells[0], "GNSS 502");
+    }
+    EXPECT_EQ(edited, 2u);
     for (const std::string& line : lines)
         EXPECT_EQ(line.find('\n'), std::string::npos);
     // Sorted by code, then by distance descending: the benchmarks first.
@@ -125,14 +136,54 @@ TEST_F(Tour, ShowsTheWindowInGerman)
     const std::string texts = nyr::test::ReadFile(Out("texts-de.txt"));
     for (const char* german : {"menu: &Datei", "menu: &Bearbeiten", "menu: Ein&stellungen", "column: Punkt",
                                "column: Rechtswert [fts]", "column: Höhe [fts]", "column: Azimut [gon]",
-                               "298 Punkte", "Standpunkt: TP 101"})
+                               "298 Punkte", "Standpunkt: TP 101", "\nmessage: \n", "plan: O "})
         EXPECT_NE(texts.find(german), std::string::npos) << german << "\n" << texts;
+}
+
+TEST_F(Tour, PrintsTheListAndThePlanIntoOnePdf)
+{
+    const std::vector<std::string> pages = nyr::test::PdfPages(Out("sample.pdf"));
+    ASSERT_GE(pages.size(), 2u);
+    const std::string total = " of " + std::to_string(pages.size());
+    for (std::size_t p = 0; p < pages.size(); ++p) {
+        SCOPED_TRACE(p + 1);
+        EXPECT_EQ(nyr::test::CountLines(pages[p], "^sample.csv - Nyr Survey +Printed on [0-9]{2}-[0-9]{2}-20"), 1);
+        EXPECT_EQ(nyr::test::CountLines(pages[p], "Page " + std::to_string(p + 1) + total), 1);
+    }
+    std::string rows;
+    for (std::size_t p = 0; p + 1 < pages.size(); ++p) {
+        EXPECT_EQ(nyr::test::CountLines(pages[p], R"(^Point +Code +Easting \[fts\])"), 1) << pages[p];
+        rows += pages[p];
+    }
+    // Every point of the list once, the edited ones as edited.
+    EXPECT_EQ(nyr::test::CountLines(rows, R"(^ +[A-Z]+ [0-9]+a? +[A-Z]+ +[0-9])"), 298);
+    EXPECT_EQ(nyr::test::CountLines(rows, R"(^ +TP 105 +TP +[0-9.]+ +[0-9.]+ +1000\.000 )"), 1);
+    EXPECT_EQ(nyr::test::CountLines(rows, R"(^ +GNSS 502a +CP )"), 1);
+    // The last page is the plan: no rows, its scale bar in the user's unit.
+    const std::string& plan = pages.back();
+    EXPECT_EQ(nyr::test::CountLines(plan, R"(Easting \[fts\])"), 0);
+    EXPECT_EQ(nyr::test::CountLines(plan, R"((^| )[0-9]+ fts( |$))"), 1) << plan;
+}
+
+TEST_F(Tour, KeepsTheRecentFilesAndLogsWhatItDid)
+{
+    const std::string ini = Out("nyr-survey.ini");
+    EXPECT_EQ(CNyrProfileEntries::ReadProfileString(ini, "NyrSurvey/RecentFiles", "Doc_1", ""), Out("sample.csv"));
+    EXPECT_EQ(CNyrProfileEntries::ReadProfileString(ini, "NyrSurvey/RecentFiles", "Doc_2", ""), Out("export.csv"));
+    EXPECT_EQ(CNyrProfileEntries::ReadProfileString(ini, "NyrSurvey/RecentFiles", "Doc_3", "none"), "none");
+    const std::string log = nyr::test::ReadFile(Out("nyr-survey.log"));
+    for (const std::string& line : {" INFO \\[[0-9]+\\] Saved " + Out("sample.csv") + ": 300 points",
+                                    " INFO \\[[0-9]+\\] Opened " + Out("export.csv") + ": 298 points",
+                                    " INFO \\[[0-9]+\\] Saved " + Out("sample.csv") + ": 298 points",
+                                    std::string(" INFO \\[[0-9]+\\] Generating 1000000 test points was cancelled"),
+                                    std::string(" INFO \\[[0-9]+\\] Generated 1000000 test points")})
+        EXPECT_EQ(nyr::test::CountLines(log, line), 1) << line << "\n" << log;
 }
 
 TEST_F(Tour, WritesAScreenshotOfEveryStepAndNoneIsBlank)
 {
     const QStringList shots = QDir(QString::fromStdString(Out(""))).entryList({"*.png"}, QDir::Files, QDir::Name);
-    EXPECT_GE(shots.size(), 17) << shots.join(' ').toStdString();
+    EXPECT_GE(shots.size(), 28) << shots.join(' ').toStdString();
     for (const QString& name : shots) {
         SCOPED_TRACE(name.toStdString());
         const QImage image(QString::fromStdString(Out(name.toStdString())));

@@ -184,7 +184,7 @@ TEST_F(SurveyApp, TheLanguageSwitchesBackAndKeepsRememberedAnswers)
     EXPECT_EQ(window.View()->GetColumnLabel(0), "Punkt");
     CNyrMessageBox::PERSISTENT_MSG msg;
     ASSERT_TRUE(CNyrMessageBox::LookUpMessage(kOverwriteKey, msg));
-    EXPECT_EQ(msg.text, "Die Punktdatei gibt es schon. Soll sie ersetzt werden?");
+    EXPECT_EQ(msg.text, "Eine vorhandene Datei ersetzen?");
     EXPECT_EQ(msg.doNotPromptInFuture, 1);  // the answer outlives the new registration
     EXPECT_EQ(msg.defaultValue, NYR_IDNO);
     ASSERT_TRUE(window.ChangeLanguage(LanguageEnglish));

@@ -6,10 +6,11 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <functional>
+#include <memory>
 
 #include "nyr/util/profile_entries.h"
-#include "nyrwidgets/app/dialog.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
+#include "tests/support/dialog_answer.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -24,6 +25,8 @@ struct Seen
     QStringList filters;
     QFileDialog::FileMode mode = QFileDialog::AnyFile;
     bool executablesOnly = false;
+    QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
+    bool dontConfirmOverwrite = false;
 };
 
 struct BrowseFixture : ::testing::Test
@@ -31,12 +34,13 @@ struct BrowseFixture : ::testing::Test
     TempDir dir;
     Seen seen;
     int shown = 0;
+    std::unique_ptr<nyr::test::DialogAnswer> answer;
 
     void SetUp() override { NyrSetProfilePath(dir.File("settings.ini")); }
     void TearDown() override
     {
+        answer.reset();
         NyrSetProfilePath("");
-        CNyrDialog::SetExecHook({});
         CNyrMessageBoxDialog::SetAnswerHook({});
     }
 
@@ -44,18 +48,20 @@ struct BrowseFixture : ::testing::Test
     // cancels) and may switch the filter.
     void Answer(std::function<QString(QFileDialog&)> choose)
     {
-        CNyrDialog::SetExecHook([this, choose](QDialog& dialog) {
+        answer.reset();
+        answer = std::make_unique<nyr::test::DialogAnswer>([this, choose](QDialog& dialog) {
             auto& files = dynamic_cast<QFileDialog&>(dialog);
             ++shown;
             seen = {files.windowTitle(), files.labelText(QFileDialog::FileName),
                     files.labelText(QFileDialog::Accept), files.directory().absolutePath(),
                     files.selectedNameFilter(), files.nameFilters(), files.fileMode(),
-                    (files.filter() & QDir::Executable) != 0};
+                    (files.filter() & QDir::Executable) != 0,
+                    files.acceptMode(), files.testOption(QFileDialog::DontConfirmOverwrite)};
             const QString name = choose(files);
             if (name.isEmpty())
-                return int(QDialog::Rejected);
+                return files.reject();
             files.selectFile(name);
-            return int(QDialog::Accepted);
+            dialog.done(QDialog::Accepted);  // as the user's choice, without Qt's checks of it
         });
     }
     void Choose(const QString& path)
@@ -183,6 +189,74 @@ TEST_F(BrowseFixture, AFileThatIsNoProgramIsRefusedWithTheLibrarysMessage)
     Choose(QString::fromStdString(dir.File("notes.txt")));
     EXPECT_EQ(CNyrBrowse::BrowseForProgram(nullptr), "");
     EXPECT_EQ(message, "The file " + dir.File("notes.txt") + " is not an executable program.");
+}
+
+TEST_F(BrowseFixture, SaveFileAddsTheChosenTypesSuffixAndNeverAsksItself)
+{
+    const QString filter = "Points (*.csv)|*.csv|Anything|*.*||";
+    const struct
+    {
+        const char* typed;
+        const char* type;
+        const char* chosen;
+    } cases[] = {
+        {"points", "Points (*.csv)", "points.csv"},
+        {"points.txt", "Points (*.csv)", "points.txt"},  // a suffix of its own is kept
+        {"plain", "Anything (*)", "plain"},
+    };
+    for (const auto& c : cases) {
+        Answer([&](QFileDialog& files) {
+            files.selectNameFilter(c.type);
+            return QString::fromStdString(dir.File(c.typed));
+        });
+        EXPECT_EQ(CNyrBrowse::BrowseForSaveFile(nullptr, "Export", {}, filter).toStdString(), dir.File(c.chosen));
+    }
+    EXPECT_EQ(seen.title, "Save As");
+    EXPECT_EQ(seen.prompt, "File &name:");
+    EXPECT_EQ(seen.accept, "Save");
+    EXPECT_EQ(seen.acceptMode, QFileDialog::AcceptSave);
+    EXPECT_EQ(seen.mode, QFileDialog::AnyFile);
+    EXPECT_TRUE(seen.dontConfirmOverwrite);  // Qt's question would bypass the library's
+    Answer([](QFileDialog&) { return QString(); });
+    CNyrBrowse::Browse(nullptr, CNyrBrowse::eSaveFile, "Export", {}, filter, "Export Plan");
+    EXPECT_EQ(seen.title, "Export Plan");
+    EXPECT_EQ(seen.directory.toStdString(), dir.Path());  // where the last save went
+}
+
+TEST_F(BrowseFixture, ReplacingAFileIsAskedPlainlyOrWithTheHostsRememberedAnswer)
+{
+    const QString file = QString::fromStdString(dir.File("old.csv"));
+    WriteFile(dir.File("old.csv"), "x");
+    std::vector<std::string> asked;
+    int reply = NYR_IDNO;
+    bool tick = false;
+    CNyrMessageBoxDialog::SetAnswerHook([&](CNyrMessageBoxDialog& box) {
+        asked.push_back(box.findChild<QLabel*>("text")->text().toStdString());
+        box.SetDoNotPromptUser(tick);
+        return reply;
+    });
+    EXPECT_TRUE(CNyrBrowse::ConfirmReplace(nullptr, QString::fromStdString(dir.File("new.csv"))));
+    EXPECT_TRUE(asked.empty());  // nothing to replace, nothing asked
+    EXPECT_FALSE(CNyrBrowse::ConfirmReplace(nullptr, file, "Export"));
+    ASSERT_EQ(asked.size(), 1u);
+    EXPECT_EQ(asked[0], "The file " + dir.File("old.csv") + " already exists.\nDo you want to replace it?");
+    tick = true;  // the plain question offers no remembered answer
+    reply = NYR_IDYES;
+    EXPECT_TRUE(CNyrBrowse::ConfirmReplace(nullptr, file));
+    EXPECT_TRUE(CNyrBrowse::ConfirmReplace(nullptr, file));
+    EXPECT_EQ(asked.size(), 3u);
+
+    // With the host's managed message the user's "Do not prompt in future"
+    // answers every later question, in the settings file too.
+    CNyrBrowse::ReplaceMessageKeyDefault("Files/Replace");
+    EXPECT_TRUE(CNyrBrowse::ConfirmReplace(nullptr, file));
+    reply = NYR_IDNO;
+    EXPECT_TRUE(CNyrBrowse::ConfirmReplace(nullptr, file));
+    EXPECT_EQ(asked.size(), 4u);
+    EXPECT_EQ(CNyrProfileEntries::ReadNyrProfileInt("@NyrMessageBox/Files/Replace", "DoNotPromptInFuture", 0), 1u);
+    CNyrBrowse::ReplaceMessageKeyDefault("");
+    EXPECT_FALSE(CNyrBrowse::ConfirmReplace(nullptr, file));
+    EXPECT_EQ(asked.size(), 5u);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/app/about_dialog.h"
 #include "nyrwidgets/frame/help_app.h"
+#include "tests/support/dialog_answer.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -26,11 +27,7 @@ struct DialogFixture : ::testing::Test
 {
     TempDir dir;
     void SetUp() override { NyrSetProfilePath(dir.File("settings.ini")); }
-    void TearDown() override
-    {
-        NyrSetProfilePath("");
-        CNyrDialog::SetExecHook({});
-    }
+    void TearDown() override { NyrSetProfilePath(""); }
 };
 
 // A dialog with one field that OK and Apply refuse while it is empty.
@@ -94,29 +91,35 @@ TEST_F(DialogFixture, OkAndApplyCheckTheValuesCancelDoesNot)
     NameDialog dialog;
     int applied = 0;
     QObject::connect(&dialog, &CNyrDialog::applied, [&] { ++applied; });
-    // Answered through the seam: the hook works the real buttons.
-    CNyrDialog::SetExecHook([&](QDialog& shown) {
+    // Answered through the seam: the hook works the real buttons of the
+    // dialog on screen.
+    nyr::test::DialogAnswer answer([&](QDialog& shown) {
         EXPECT_EQ(&shown, &dialog);
-        EXPECT_FALSE(shown.isVisible());
+        EXPECT_TRUE(shown.isVisible());
         QTest::mouseClick(dialog.Button(CNyrDialog::eOK), Qt::LeftButton);  // refused: empty
-        EXPECT_EQ(dialog.result(), 0);
+        EXPECT_TRUE(shown.isVisible());
         QTest::mouseClick(dialog.Button(CNyrDialog::eApply), Qt::LeftButton);  // refused too
         dialog.edit->setText("Ann");
         QTest::mouseClick(dialog.Button(CNyrDialog::eApply), Qt::LeftButton);
         QTest::mouseClick(dialog.Button(CNyrDialog::eOK), Qt::LeftButton);
-        return dialog.result();
     });
     EXPECT_EQ(dialog.Exec(), QDialog::Accepted);
     EXPECT_EQ(dialog.applies, 4);
     EXPECT_EQ(applied, 2);
 
-    NameDialog cancelled;
-    CNyrDialog::SetExecHook([&](QDialog&) {
-        QTest::mouseClick(cancelled.Button(CNyrDialog::eCancel), Qt::LeftButton);
-        return cancelled.result();
-    });
-    EXPECT_EQ(cancelled.Exec(), QDialog::Rejected);
-    EXPECT_EQ(cancelled.applies, 0);
+    // Cancel, and a hook that leaves the dialog open: rejected, nothing taken.
+    for (const bool click : {true, false}) {
+        NameDialog cancelled;
+        cancelled.edit->setText("Bob");
+        nyr::test::DialogAnswer leave([&](QDialog&) {
+            if (click)
+                QTest::mouseClick(cancelled.Button(CNyrDialog::eCancel), Qt::LeftButton);
+        });
+        EXPECT_EQ(cancelled.Exec(), QDialog::Rejected);
+        EXPECT_FALSE(cancelled.isVisible());
+        EXPECT_EQ(cancelled.applies, 0);
+        EXPECT_EQ(leave.opened, 1);
+    }
 }
 
 quint32 g_context = 0;
@@ -210,12 +213,17 @@ TEST_F(DialogFixture, AboutBoxShowsVersionsAndRequirementsAndCopiesThem)
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), text);
 
     int seen = 0;
-    CNyrDialog::SetExecHook([&](QDialog& dialog) {
+    nyr::test::DialogAnswer answer([&](QDialog& dialog) {
         seen += dialog.windowTitle() == "About NyrTests";
-        return QDialog::Accepted;
+        dialog.accept();
     });
-    CNyrAboutDialog::ShowAbout(nullptr);
+    CNyrAboutDialog::ShowAbout(nullptr, {{"GeographicLib", "2.1"}});
     EXPECT_EQ(seen, 1);
+    // A host's own lines come after Qt's, before the system's.
+    const std::string more = CNyrAboutDialog(nullptr, "Survey", "3.1", {{"GeographicLib", "2.1"}}).Text();
+    const std::size_t qt = more.find("Qt libraries: "), own = more.find("GeographicLib: 2.1\n"),
+                      os = more.find("Operating system: ");
+    EXPECT_TRUE(qt < own && own < os) << more;
 }
 
 }  // namespace

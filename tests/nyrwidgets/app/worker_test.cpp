@@ -13,8 +13,8 @@
 #include <stdexcept>
 
 #include "nyr/frame/resource_module.h"
-#include "nyrwidgets/app/dialog.h"
 #include "nyrwidgets/app/progress_dialog.h"
+#include "tests/support/dialog_answer.h"
 
 namespace {
 
@@ -228,27 +228,44 @@ TEST(Worker, DestroyedWhileTheJobRunsItStopsTheJobAndReportsNothing)
     EXPECT_EQ(finished, 0);
 }
 
-TEST(Worker, RunShowsTheDialogThroughTheSeamAndWaitsForTheJob)
+TEST(Worker, RunShowsTheDialogOfALongJobThroughTheSeamAndCancelsWhatIsLeftOpen)
 {
-    QString title;
-    CNyrDialog::SetExecHook([&](QDialog& dialog) {
-        title = dialog.windowTitle();
-        QTest::mouseClick(dialog.findChild<QPushButton*>(), Qt::LeftButton);
-        return int(QDialog::Rejected);
-    });
+    const auto endless = [](CNyrProgress& progress) -> QVariant {
+        while (progress.Step())
+            std::this_thread::yield();
+        return QString("partial");
+    };
+    const struct
+    {
+        bool click;  // Cancel clicked, or the dialog left open
+    } cases[] = {{true}, {false}};
+    for (const auto& c : cases) {
+        QString title;
+        nyr::test::DialogAnswer answer([&](QDialog& dialog) {
+            title = dialog.windowTitle();
+            if (c.click)
+                QTest::mouseClick(dialog.findChild<QPushButton*>(), Qt::LeftButton);
+        });
+        QVariant result;
+        EXPECT_EQ(CNyrProgressDialog::Run(nullptr, endless, &result, "Import"), CNyrWorker::eCancelled);
+        EXPECT_EQ(title, "Import");
+        EXPECT_EQ(result.toString(), "partial");
+        EXPECT_EQ(answer.opened, 1);
+    }
+}
+
+TEST(Worker, RunOfAShortJobShowsNoDialogAndAFailureComesBack)
+{
+    nyr::test::DialogAnswer answer([](QDialog&) {});
     QVariant result;
-    const int status = CNyrProgressDialog::Run(
-        nullptr,
-        [](CNyrProgress& progress) -> QVariant {
-            while (progress.Step())
-                std::this_thread::yield();
-            return QString("partial");
-        },
-        &result, "Import");
-    CNyrDialog::SetExecHook({});
-    EXPECT_EQ(title, "Import");
-    EXPECT_EQ(status, CNyrWorker::eCancelled);
-    EXPECT_EQ(result.toString(), "partial");
+    EXPECT_EQ(CNyrProgressDialog::Run(nullptr, [](CNyrProgress&) -> QVariant { return 42; }, &result),
+              CNyrWorker::eDone);
+    EXPECT_EQ(result.toInt(), 42);
+    EXPECT_EQ(CNyrProgressDialog::Run(
+                  nullptr, [](CNyrProgress&) -> QVariant { throw std::runtime_error("disk gone"); }, &result),
+              CNyrWorker::eFailed);
+    EXPECT_EQ(result.toString(), "disk gone");
+    EXPECT_EQ(answer.opened, 0);
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 // read-out in the user's units, labels, and its images.
 #include <QApplication>
 #include <QFileDialog>
+#include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTest>
 #include <QWheelEvent>
+#include <algorithm>
 #include <clocale>
 #include <random>
 
@@ -14,8 +16,8 @@
 #include "nyr/values/unit_settings.h"
 #include "nyr/values/units.h"
 #include "nyr/values/value_angle.h"
-#include "nyrwidgets/app/dialog.h"
 #include "nyrwidgets/values/unit_combo_box.h"
+#include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "tests/nyrwidgets/views/plan_view_test_p.h"
 #include "tests/nyrwidgets/views/views_test_p.h"
 #include "tests/support/temp_dir.h"
@@ -349,6 +351,36 @@ TEST(PlanViewLabels, LabelsNeverOverlapAndCrowdedOnesGoByPriority)
     EXPECT_TRUE(g.plan.GetDrawnLabels().empty());
 }
 
+// The read-out is drawn over the plan: a label under it came out as two
+// texts on top of each other.
+TEST(PlanViewLabels, LabelsKeepClearOfTheCursorReadOutOnScreenOnly)
+{
+    PlanFixture f;
+    f.AddGrid(12, 9, 10.0);
+    f.plan.ZoomToAll();
+    const auto underReadOut = [&f](const std::vector<CNyrPlanView::LABEL>& labels) {
+        const QFontMetrics metrics(f.plan.font());
+        const QString text = f.plan.GetCursorText().isEmpty() ? "E 500000.0  N 5400000.0 m" : f.plan.GetCursorText();
+        const QRectF box(4, 4, metrics.horizontalAdvance(text) + 8, metrics.height() + 2);
+        return std::count_if(labels.begin(), labels.end(), [&box](const auto& l) { return l.rect.intersects(box); });
+    };
+    (void)f.plan.grab();
+    ASSERT_GT(underReadOut(f.plan.GetDrawnLabels()), 0);  // the corner is crowded
+    QMouseEvent move(QEvent::MouseMove, QPointF(200, 150), f.plan.mapToGlobal(QPointF(200, 150)), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&f.plan, &move);
+    ASSERT_FALSE(f.plan.GetCursorText().isEmpty());
+    (void)f.plan.grab();
+    EXPECT_EQ(underReadOut(f.plan.GetDrawnLabels()), 0);
+    nyr::test::ExpectApart(f.plan.GetDrawnLabels(), QRectF(f.plan.rect()));
+    // An image of the plan has no read-out, so nothing gives way for it.
+    std::vector<CNyrPlanView::LABEL> printed;
+    QImage image(400, 300, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    f.plan.Render(painter, QRectF(0, 0, 400, 300), &printed);
+    EXPECT_GT(underReadOut(printed), 0);
+}
+
 TEST(PlanViewOutput, RenderFitsTheViewIntoAnyRectangleAndExportsPng)
 {
     PlanFixture f;
@@ -389,20 +421,25 @@ TEST(PlanViewOutput, RenderFitsTheViewIntoAnyRectangleAndExportsPng)
     EXPECT_EQ(QImage(QString::fromStdString(dir.File("large.png"))).size(), QSize(1200, 300));
     EXPECT_EQ(f.plan.ExportPng(dir.File("no such folder/plan.png")), 0);
 
-    // Through the dialog; a file that cannot be written is reported.
-    nyr::test::MessageLog messages;
+    // Through the dialog; a file that cannot be written is reported, one
+    // that exists is replaced only when the user agrees.
+    nyr::test::MessageLog messages(NYR_IDNO);
     std::string chosen = dir.File("chosen");
-    const auto previous = CNyrDialog::SetExecHook([&chosen](QDialog& d) {
+    nyr::test::DialogAnswer answer([&chosen](QDialog& d) {
         auto& dialog = static_cast<QFileDialog&>(d);
         EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
         dialog.selectFile(QString::fromStdString(chosen));
-        return static_cast<int>(QDialog::Accepted);
+        d.done(QDialog::Accepted);
     });
     EXPECT_EQ(f.plan.ExportPngDialog(), 1);
     EXPECT_FALSE(QImage(QString::fromStdString(chosen + ".png")).isNull());
+    EXPECT_TRUE(messages.texts.empty());
+    nyr::test::WriteFile(chosen + ".png", "kept");
+    EXPECT_EQ(f.plan.ExportPngDialog(), 0);  // answered No
+    EXPECT_EQ(nyr::test::ReadFile(chosen + ".png"), "kept");
     chosen = dir.File("no such folder/plan.png");
     EXPECT_EQ(f.plan.ExportPngDialog(), 0);
-    ASSERT_EQ(messages.texts.size(), 1u);
-    EXPECT_NE(messages.texts[0].find("no such folder/plan.png"), std::string::npos);
-    CNyrDialog::SetExecHook(previous);
+    ASSERT_EQ(messages.texts.size(), 2u);
+    EXPECT_NE(messages.texts[0].find(dir.File("chosen.png") + " already exists"), std::string::npos);
+    EXPECT_NE(messages.texts[1].find("no such folder/plan.png"), std::string::npos);
 }

@@ -11,7 +11,6 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTest>
-#include <QTimer>
 #include <functional>
 
 #include "nyr/frame/resource_module.h"
@@ -20,6 +19,7 @@
 #include "nyrwidgets/views/report_view_menu.h"
 #include "nyrwidgets/views/view_print_dlg.h"
 #include "tests/nyrwidgets/views/view_print_test_p.h"
+#include "tests/support/dialog_answer.h"
 
 using namespace nyr::test;
 using Info = CNyrListViewPrint::PRINT_INFO;
@@ -35,26 +35,20 @@ protected:
         NyrSetProfilePath(dir.File("views.ini"));
         view.SetInifileSection("Points");
         FillPoints(view, 40);
+        saved = NyrSetDialogHook({});
+        NyrSetDialogHook(saved);
     }
-    void TearDown() override { NyrSetProfilePath(""); }
-
-    // Answers the next modal dialog of type T once it shows; polls for 5 s at
-    // most, then closes whatever is modal so that the test cannot hang.
-    template <class T>
-    void WhenModal(std::function<void(T*)> answer, int triesLeft = 500)
+    void TearDown() override
     {
-        QTimer::singleShot(10, &context, [this, answer, triesLeft] {
-            QWidget* modal = QApplication::activeModalWidget();
-            if (auto* dialog = qobject_cast<T*>(modal)) {
-                answer(dialog);
-            } else if (triesLeft > 0) {
-                WhenModal<T>(answer, triesLeft - 1);
-            } else {
-                ADD_FAILURE() << "no " << T::staticMetaObject.className() << " showed";
-                if (modal)
-                    modal->close();
-            }
-        });
+        NyrSetDialogHook(saved);  // an answer armed for a dialog that never came goes
+        NyrSetProfilePath("");
+    }
+
+    // Answers the next dialog, which must be a T, through the dialog seam.
+    template <class T>
+    void WhenModal(std::function<void(T*)> answer)
+    {
+        AnswerNext<T>([answer](T& dialog) { answer(&dialog); });
     }
 
     int StoredInt(const char* entry) const
@@ -63,8 +57,8 @@ protected:
     }
 
     TempDir dir;
-    QObject context;  // the polls end with the test
     CNyrReportView view;
+    NyrDialogHook saved;
 };
 
 TEST_F(PrintDialog, ItemMenusOfferPrintPreviewAndPdfAsCommands)

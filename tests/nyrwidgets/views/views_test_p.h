@@ -21,6 +21,7 @@
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_item.h"
 #include "nyrwidgets/views/report_view_menu.h"
+#include "tests/support/dialog_answer.h"
 
 namespace nyr::test {
 
@@ -290,24 +291,6 @@ struct MessageLog
     int answer;
     std::vector<std::string> texts;
     std::vector<unsigned> styles;
-};
-
-// Answers the library's dialogs while it lives: each one that opens is handed
-// to `answer` (which closes it as the user would) and counted.
-struct DialogAnswer
-{
-    explicit DialogAnswer(std::function<void(QDialog&)> answer)
-    {
-        saved = NyrSetDialogHook([this, answer = std::move(answer)](QDialog& dialog) {
-            ++opened;
-            answer(dialog);
-        });
-    }
-    ~DialogAnswer() { NyrSetDialogHook(saved); }
-    DialogAnswer(const DialogAnswer&) = delete;
-    DialogAnswer& operator=(const DialogAnswer&) = delete;
-    int opened = 0;
-    NyrDialogHook saved;
 };
 
 // Right-clicks `viewport` (a view's or its header's) at `pos` as the user
