@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "nyr/platform/calendar_p.h"
+
 namespace {
 
 constexpr const char* kShortDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -17,10 +19,7 @@ const char* Name(const char* const* table, int count, int index)
     return index >= 0 && index < count ? table[index] : "?";
 }
 
-int64_t FloorDiv(int64_t a, int64_t d)
-{
-    return a / d - (a % d != 0 && (a % d < 0));
-}
+using nyr::cal::FloorDiv;
 
 int IsoWeeksInYear(int64_t y)
 {

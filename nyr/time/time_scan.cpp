@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/local_time_p.h"
 #include "nyr/time/time.h"
 #include "nyr/time/time_span.h"
@@ -14,15 +15,8 @@ namespace {
 
 enum class Read { kEnd, kNoMatch, kOk };
 
-bool IsSpace(char c)
-{
-    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+using nyr::ascii::IsDigit;
+using nyr::ascii::IsSpace;
 
 // Skips leading white space; kEnd when nothing else is left (a read that
 // hits the end of the text).
