@@ -64,7 +64,9 @@ public:
     {
         if (static_cast<std::size_t>(m_end - m_p) < n) {
             m_ok = false;
-        } else if (n <= 8) {  // separators and names: cheaper than a call
+        } else if (n <= 8) {
+            // Separators and names: a loop beats the call to memcpy here by
+            // about a fifth of bench/time's BM_NyrStrftime_1MTimes.
             for (std::size_t i = 0; i < n; ++i)
                 m_p[i] = text[i];
             m_p += n;
