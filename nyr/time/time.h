@@ -71,15 +71,17 @@ public:
 
     // The current instant (whole seconds).
     CNyrTime();
-    CNyrTime(const CTime& time);  // NOLINT: a CTime is a CNyrTime without fraction
-    CNyrTime(int64_t seconds);    // NOLINT
+    CNyrTime(const CTime& time);  // NOLINT(google-explicit-constructor): a CTime is a CNyrTime without fraction
+    CNyrTime(int64_t seconds);  // NOLINT(google-explicit-constructor): seconds since 1970 UTC, as CTime takes them
     // A local calendar reading; `dst` < 0 unknown, 0 standard, > 0 daylight
     // saving time. Fields that name no instant (month 13, Feb 30, year 0,
     // second 60) give the seconds count 0.
     CNyrTime(int year, int month, int day, int hour, int minute, int second, int dst = -1);
     CNyrTime(uint16_t dosDate, uint16_t dosTime, int dst = -1);
-    CNyrTime(const SYSTEMTIME& systemTime, int dst = -1);  // milliseconds dropped
-    CNyrTime(const FILETIME& fileTime, int dst = -1);      // seconds count 0 when it cannot convert
+    // Milliseconds dropped.
+    CNyrTime(const SYSTEMTIME& systemTime, int dst = -1);  // NOLINT(google-explicit-constructor): as CTime
+    // Seconds count 0 when it cannot convert.
+    CNyrTime(const FILETIME& fileTime, int dst = -1);  // NOLINT(google-explicit-constructor): as CTime
     // Parsed by ScanTime.
     CNyrTime(const std::string& text, const std::string& format);
     // GPS week and seconds of week (see SetGpsTime).
@@ -103,7 +105,7 @@ public:
 
     // --- MJD ----------------------------------------------------------------
     double Mjd() const;
-    operator double() const { return Mjd(); }  // NOLINT: the numeric form
+    operator double() const { return Mjd(); }  // NOLINT(google-explicit-constructor): the numeric form, the MJD
     // Sets the point to a local civil MJD; seconds count 0 when the MJD names
     // no instant.
     void Mjd(double mjd);
