@@ -14,6 +14,7 @@ nyr_packages() {
     test)  echo "$common libgtest-dev libgmock-dev libssl-dev libgeographiclib-dev python3 python3-aiosmtpd xdg-utils postfix poppler-utils fonts-dejavu-core" ;;
     bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas clang postfix" ;;
     fuzz)  echo "$common clang libclang-rt-14-dev" ;;
+    tidy)  echo "clang-tidy" ;;
   esac
 }
 

@@ -2,6 +2,7 @@
 #include <charconv>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <span>
 
@@ -57,105 +58,140 @@ std::string Number(double value, int decimals)
     return std::string(buffer, result.ptr);
 }
 
-int RunValues(const Command& command, bool angle, std::vector<std::string>& args, std::ostream& out,
-              std::ostream& err)
+// What one command line asks for, options taken out of it.
+struct Request
 {
-    if (args.empty())
-        return UsageError(command, err, "expected convert, format or parse");
-    const std::string action = args[0];
-    args.erase(args.begin());
+    std::string action;  // convert, format or parse
+    std::optional<std::string> from, to, unit, precisionText;
+    long precision = -1;  // -1: not given
+    bool symbols = false, secondsOnly = false, lat = false, lon = false;
+    std::string value;  // the one argument
+};
 
+// Takes the options out of `args` into `request`; the usage error's message,
+// or empty when the command line has the shape every action shares.
+std::string ReadRequest(bool angle, std::vector<std::string>& args, Request& request)
+{
     bool missing = false;
-    const auto from = TakeOption(args, "--from", missing);
-    const auto to = TakeOption(args, "--to", missing);
-    const auto unitText = TakeOption(args, "--unit", missing);
-    const auto precisionText = TakeOption(args, "--precision", missing);
-    const bool symbols = angle && TakeFlag(args, "--symbols");
-    const bool secondsOnly = angle && TakeFlag(args, "--seconds-only");
-    const bool lat = angle && TakeFlag(args, "--lat");
-    const bool lon = angle && TakeFlag(args, "--lon");
+    request.from = TakeOption(args, "--from", missing);
+    request.to = TakeOption(args, "--to", missing);
+    request.unit = TakeOption(args, "--unit", missing);
+    request.precisionText = TakeOption(args, "--precision", missing);
+    request.symbols = angle && TakeFlag(args, "--symbols");
+    request.secondsOnly = angle && TakeFlag(args, "--seconds-only");
+    request.lat = angle && TakeFlag(args, "--lat");
+    request.lon = angle && TakeFlag(args, "--lon");
     if (missing)
-        return UsageError(command, err, "an option lacks its value");
+        return "an option lacks its value";
     if (const auto unknown = FirstUnknownOption(args); !unknown.empty())
-        return UsageError(command, err, "unknown option " + unknown);
+        return "unknown option " + unknown;
     if (!args.empty() && args[0] == "--")
         args.erase(args.begin());
     if (args.size() != 1)
-        return UsageError(command, err, "expected one value");
-    if (lat && lon)
-        return UsageError(command, err, "--lat and --lon exclude each other");
-    long precision = -1;
-    if (precisionText && !ParseLongInRange(*precisionText, 0, 15, precision))
-        return UsageError(command, err, "--precision takes 0 to 15");
+        return "expected one value";
+    if (request.lat && request.lon)
+        return "--lat and --lon exclude each other";
+    if (request.precisionText && !ParseLongInRange(*request.precisionText, 0, 15, request.precision))
+        return "--precision takes 0 to 15";
+    request.value = args[0];
+    return {};
+}
 
-    if (action == "convert") {
-        if (!from || !to || unitText || symbols || secondsOnly || lat || lon)
-            return UsageError(command, err, "convert takes --from, --to and --precision");
-        const long fromUnit = ParseUnit(*from, angle);
-        const long toUnit = ParseUnit(*to, angle);
-        if (fromUnit < 0 || toUnit < 0)
-            return UsageError(command, err, "unknown unit " + (fromUnit < 0 ? *from : *to));
-        double value = 0;
-        if (!ParseDouble(args[0], value))
-            return UsageError(command, err, "not a number: " + args[0]);
-        double converted = 0;
-        CNyrValue::Convert(value, fromUnit, converted, toUnit, static_cast<int>(precision), 0);
-        if (!std::isfinite(value) || !std::isfinite(converted)) {
-            err << "nyr " << command.name << ": " << args[0] << ": out of range\n";
-            return kFailure;
-        }
-        out << Number(converted, static_cast<int>(precision)) << "\n";
-        return kSuccess;
+int RunConvert(const Command& command, bool angle, const Request& r, std::ostream& out, std::ostream& err)
+{
+    if (!r.from || !r.to || r.unit || r.symbols || r.secondsOnly || r.lat || r.lon)
+        return UsageError(command, err, "convert takes --from, --to and --precision");
+    const long fromUnit = ParseUnit(*r.from, angle);
+    const long toUnit = ParseUnit(*r.to, angle);
+    if (fromUnit < 0 || toUnit < 0)
+        return UsageError(command, err, "unknown unit " + (fromUnit < 0 ? *r.from : *r.to));
+    double value = 0;
+    if (!ParseDouble(r.value, value))
+        return UsageError(command, err, "not a number: " + r.value);
+    double converted = 0;
+    CNyrValue::Convert(value, fromUnit, converted, toUnit, static_cast<int>(r.precision), 0);
+    if (!std::isfinite(value) || !std::isfinite(converted)) {
+        err << "nyr " << command.name << ": " << r.value << ": out of range\n";
+        return kFailure;
     }
+    out << Number(converted, static_cast<int>(r.precision)) << "\n";
+    return kSuccess;
+}
 
-    if (action != "format" && action != "parse")
-        return UsageError(command, err, "unknown action " + action);
-    if (!unitText || from || to || (action == "parse" && (precisionText || symbols || secondsOnly)))
-        return UsageError(command, err, action == "parse" ? "parse takes --unit" : "format takes --unit and flags");
-    const long unit = ParseUnit(*unitText, angle);
-    if (unit < 0)
-        return UsageError(command, err, "unknown unit " + *unitText);
-
-    std::unique_ptr<CNyrUnitSettings> settings;
+// A value of the command's kind in `unit`, shown as the request's options
+// say; `settings` receives the settings object the value refers to.
+std::unique_ptr<CNyrValue> MakeValue(bool angle, const Request& r, long unit,
+                                     std::unique_ptr<CNyrUnitSettings>& settings)
+{
     std::unique_ptr<CNyrValue> value;
     if (!angle) {
         settings = std::make_unique<CNyrUnitSettingsDistance>();
         value = std::make_unique<CNyrValueDistance>(0.0, *settings);
-    } else if (lat || lon) {
+    } else if (r.lat || r.lon) {
         settings = std::make_unique<CNyrUnitSettingsAngleLatLon>();
-        value = lat ? std::unique_ptr<CNyrValue>(std::make_unique<CNyrValueAngleLat>(0.0, *settings))
-                    : std::make_unique<CNyrValueAngleLon>(0.0, *settings);
+        value = r.lat ? std::unique_ptr<CNyrValue>(std::make_unique<CNyrValueAngleLat>(0.0, *settings))
+                      : std::make_unique<CNyrValueAngleLon>(0.0, *settings);
     } else {
         settings = std::make_unique<CNyrUnitSettingsAngle>();
         value = std::make_unique<CNyrValueAngle>(0.0, *settings);
     }
     settings->Unit(unit);
-    if (precision >= 0)
-        settings->Precision(static_cast<int>(precision));
-    settings->Format().UseDmsSymbols(symbols);
-    settings->Format().UseSecOnly(secondsOnly);
+    if (r.precision >= 0)
+        settings->Precision(static_cast<int>(r.precision));
+    settings->Format().UseDmsSymbols(r.symbols);
+    settings->Format().UseSecOnly(r.secondsOnly);
+    return value;
+}
 
+// format: a number in standard units to its text; parse: a text to the
+// number in standard units.
+int RunFormatOrParse(const Command& command, bool angle, const Request& r, std::ostream& out, std::ostream& err)
+{
+    const bool format = r.action == "format";
+    if (!r.unit || r.from || r.to || (!format && (r.precisionText || r.symbols || r.secondsOnly)))
+        return UsageError(command, err, format ? "format takes --unit and flags" : "parse takes --unit");
+    const long unit = ParseUnit(*r.unit, angle);
+    if (unit < 0)
+        return UsageError(command, err, "unknown unit " + *r.unit);
+    std::unique_ptr<CNyrUnitSettings> settings;
+    const std::unique_ptr<CNyrValue> value = MakeValue(angle, r, unit, settings);
     int status = NYR_VALUE_OK;
-    if (action == "format") {
+    if (format) {
         double number = 0;
-        if (!ParseDouble(args[0], number))
-            return UsageError(command, err, "not a number: " + args[0]);
+        if (!ParseDouble(r.value, number))
+            return UsageError(command, err, "not a number: " + r.value);
         status = value->SetDouble(number);
     } else {
-        status = value->ConvertToStd(args[0].c_str(), unit);
+        status = value->ConvertToStd(r.value.c_str(), unit);
     }
     if (status != NYR_VALUE_OK) {
-        err << "nyr " << command.name << ": '" << args[0] << "': " << StatusText(status) << "\n";
+        err << "nyr " << command.name << ": '" << r.value << "': " << StatusText(status) << "\n";
         return kFailure;
     }
-    if (action == "format") {
-        std::string text;
+    std::string text;
+    if (format)
         value->GetString(text);
-        out << text << "\n";
-    } else {
-        out << Number(value->GetDouble(), -1) << "\n";
-    }
+    else
+        text = Number(value->GetDouble(), -1);
+    out << text << "\n";
     return kSuccess;
+}
+
+int RunValues(const Command& command, bool angle, std::vector<std::string>& args, std::ostream& out,
+              std::ostream& err)
+{
+    if (args.empty())
+        return UsageError(command, err, "expected convert, format or parse");
+    Request request;
+    request.action = args[0];
+    args.erase(args.begin());
+    if (const std::string problem = ReadRequest(angle, args, request); !problem.empty())
+        return UsageError(command, err, problem);
+    if (request.action == "convert")
+        return RunConvert(command, angle, request, out, err);
+    if (request.action != "format" && request.action != "parse")
+        return UsageError(command, err, "unknown action " + request.action);
+    return RunFormatOrParse(command, angle, request, out, err);
 }
 
 extern const Command kAngle;

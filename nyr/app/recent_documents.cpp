@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 
+#include "nyr/platform/ascii_p.h"
 #include "nyr/util/profile_entries.h"
 
 namespace {
@@ -24,7 +25,7 @@ bool Storable(const std::string& path)
 {
     if (path.empty() || path.find_first_of(std::string("\r\n\0", 3)) != std::string::npos)
         return false;
-    return std::string(" \t\v\f").find(path.back()) == std::string::npos;
+    return !nyr::ascii::IsLineBlank(path.back());
 }
 
 std::string Absolute(const std::string& path)

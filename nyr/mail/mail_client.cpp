@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "nyr/mail/mail_text_p.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/file_read.h"
 
 extern char** environ;
@@ -26,14 +27,6 @@ namespace {
 constexpr auto kHelperTimeout = std::chrono::seconds(10);
 constexpr std::size_t kMaxHelperOutput = 64 * 1024;
 constexpr std::size_t kMaxDesktopFile = 1024 * 1024;
-
-std::string_view Trimmed(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
 
 bool IsExecutableFile(const std::string& path)
 {
@@ -106,6 +99,82 @@ std::string DesktopEntryExecOf(const std::string& id)
     return exec;
 }
 
+using Deadline = std::chrono::steady_clock::time_point;
+
+// Milliseconds until `deadline`, 0 once it has passed.
+int MillisecondsLeft(Deadline deadline)
+{
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    return static_cast<int>(std::max<long long>(left.count(), 0));
+}
+
+// Starts argv with standard input from /dev/null and, when `outFd` >= 0,
+// standard output into it and standard error to /dev/null. The spawn's
+// error number (0 on success).
+int Spawn(const std::vector<std::string>& argv, int outFd, pid_t& pid)
+{
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    if (outFd >= 0) {
+        posix_spawn_file_actions_adddup2(&actions, outFd, 1);
+        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    }
+    std::vector<char*> args;
+    for (const auto& a : argv)
+        args.push_back(const_cast<char*>(a.c_str()));
+    args.push_back(nullptr);
+    const int error = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return error;
+}
+
+// Reads `fd` until its end or the deadline, keeping what arrives until
+// `out` holds kMaxHelperOutput bytes or more (the rest is read and dropped,
+// so the helper never blocks on a full pipe); closes `fd`.
+void ReadUntil(int fd, Deadline deadline, std::string& out)
+{
+    pollfd p{fd, POLLIN, 0};
+    while (MillisecondsLeft(deadline) > 0) {
+        const int ready = poll(&p, 1, MillisecondsLeft(deadline));
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready <= 0)
+            break;
+        char buffer[4096];
+        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        if (out.size() < kMaxHelperOutput)
+            out.append(buffer, static_cast<std::size_t>(n));
+    }
+    close(fd);
+}
+
+// Reaps `pid` into `result`; when `limited`, kills it at the deadline.
+void Reap(pid_t pid, bool limited, Deadline deadline, NyrMailClient::Process& result)
+{
+    for (;;) {
+        const pid_t done = waitpid(pid, &result.status, limited ? WNOHANG : 0);
+        if (done == pid) {
+            result.finished = true;
+            return;
+        }
+        if (done < 0 && errno != EINTR)
+            return;  // reaped by someone else (a SIGCHLD handler of the host): status unknown
+        if (limited && MillisecondsLeft(deadline) == 0) {
+            kill(pid, SIGKILL);
+            while (waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
+            }
+            return;
+        }
+        if (limited)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+}
+
 }  // namespace
 
 std::string NyrDesktopEntryExec(std::string_view text)
@@ -120,12 +189,12 @@ std::string NyrDesktopEntryExec(std::string_view text)
         if (!line.empty() && line[0] == '[') {
             if (inEntry)
                 return {};  // the group ended without an Exec key
-            inEntry = !seenEntry && Trimmed(line) == "[Desktop Entry]";
+            inEntry = !seenEntry && nyr::ascii::Trimmed(line) == "[Desktop Entry]";
             seenEntry = seenEntry || inEntry;
             continue;
         }
         const std::size_t equals = line.find('=');
-        if (inEntry && equals != std::string_view::npos && Trimmed(line.substr(0, equals)) == "Exec") {
+        if (inEntry && equals != std::string_view::npos && nyr::ascii::Trimmed(line.substr(0, equals)) == "Exec") {
             std::string_view value = line.substr(equals + 1);
             value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
             return Unescaped(value);
@@ -157,7 +226,7 @@ std::string NyrExecProgram(std::string_view exec)
 
 std::string NyrMimeDefaultId(std::string_view output)
 {
-    const std::string_view id = Trimmed(output);
+    const std::string_view id = nyr::ascii::Trimmed(output);
     const std::string_view suffix = ".desktop";
     if (id.size() <= suffix.size() || id.substr(id.size() - suffix.size()) != suffix ||
         id.find_first_of(" \t\r\n/") != std::string_view::npos)
@@ -216,20 +285,8 @@ Process Run(const std::vector<std::string>& argv, bool capture, bool limited)
         result.spawnError = errno;
         return result;
     }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    if (capture) {
-        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], 1);
-        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    }
-    std::vector<char*> args;
-    for (const auto& a : argv)
-        args.push_back(const_cast<char*>(a.c_str()));
-    args.push_back(nullptr);
     pid_t pid = 0;
-    result.spawnError = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
+    result.spawnError = Spawn(argv, pipeFds[1], pid);
     if (capture)
         close(pipeFds[1]);
     if (result.spawnError != 0) {
@@ -237,49 +294,11 @@ Process Run(const std::vector<std::string>& argv, bool capture, bool limited)
             close(pipeFds[0]);
         return result;
     }
-
-    const auto deadline = std::chrono::steady_clock::now() + kHelperTimeout;
-    auto msLeft = [&] {
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        return static_cast<int>(std::max<long long>(left.count(), 0));
-    };
-    if (capture) {
-        pollfd p{pipeFds[0], POLLIN, 0};
-        while (msLeft() > 0) {
-            const int ready = poll(&p, 1, msLeft());
-            if (ready < 0 && errno == EINTR)
-                continue;
-            if (ready <= 0)
-                break;
-            char buffer[4096];
-            const ssize_t n = read(pipeFds[0], buffer, sizeof buffer);
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0)
-                break;
-            if (result.out.size() < kMaxHelperOutput)
-                result.out.append(buffer, static_cast<std::size_t>(n));
-        }
-        close(pipeFds[0]);
-    }
-    for (;;) {
-        const pid_t done = waitpid(pid, &result.status, limited ? WNOHANG : 0);
-        if (done == pid) {
-            result.finished = true;
-            return result;
-        }
-        if (done < 0 && errno != EINTR)
-            return result;  // reaped by someone else (a SIGCHLD handler of the host): status unknown
-        if (limited && msLeft() == 0) {
-            kill(pid, SIGKILL);
-            while (waitpid(pid, &result.status, 0) < 0 && errno == EINTR) {
-            }
-            return result;
-        }
-        if (limited)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    const Deadline deadline = std::chrono::steady_clock::now() + kHelperTimeout;
+    if (capture)
+        ReadUntil(pipeFds[0], deadline, result.out);
+    Reap(pid, limited, deadline, result);
+    return result;
 }
 
 }  // namespace NyrMailClient

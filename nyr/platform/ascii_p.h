@@ -1,10 +1,11 @@
 #pragma once
 
-// ASCII case folding that ignores the C locale. Names the library compares
-// without regard to case (registered notifications, message keys, library
-// names, find text) must give the same answer whatever locale the host set:
-// under tr_TR, tolower('I') is not 'i'. Bytes from 0x80 up are left alone, so
-// UTF-8 text passes through unchanged.
+// ASCII character classes, case folding and trimming that ignore the C
+// locale: the one home of these helpers in the library. Names the library
+// compares without regard to case (registered notifications, message keys,
+// library names, find text) must give the same answer whatever locale the
+// host set: under tr_TR, tolower('I') is not 'i'. Bytes from 0x80 up are
+// left alone, so UTF-8 text passes through unchanged.
 
 #include <cstddef>
 #include <string>
@@ -19,6 +20,23 @@ constexpr bool IsAlnum(char c) noexcept { return IsDigit(c) || (ToLower(c) >= 'a
 // Space, tab, line feed, vertical tab, form feed, carriage return: isspace in
 // the C locale, whatever locale is set.
 constexpr bool IsSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+// IsSpace but line feed: the blanks inside one line of a text file, the CR of
+// a "\r\n" end included. The settings store trims these from names and
+// values, so a value ending in one does not read back as written.
+constexpr bool IsLineBlank(char c) noexcept { return c != '\n' && IsSpace(c); }
+
+// `text` without the characters `isBlank` accepts at either end (IsSpace
+// unless another class is given).
+template <class IsBlankFn = bool (*)(char) noexcept>
+constexpr std::string_view Trimmed(std::string_view text, IsBlankFn isBlank = IsSpace) noexcept
+{
+    std::size_t first = 0, last = text.size();
+    while (first < last && isBlank(text[first]))
+        ++first;
+    while (last > first && isBlank(text[last - 1]))
+        --last;
+    return text.substr(first, last - first);
+}
 
 inline std::string ToLower(std::string_view text)
 {

@@ -24,7 +24,7 @@ class NYR_EXPORT CTimeSpan
 {
 public:
     constexpr CTimeSpan() noexcept = default;
-    constexpr CTimeSpan(int64_t seconds) noexcept : m_span(seconds) {}  // NOLINT: implicit as in the framework
+    constexpr CTimeSpan(int64_t seconds) noexcept : m_span(seconds) {}  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     constexpr CTimeSpan(long days, int hours, int minutes, int seconds) noexcept
         : m_span(((int64_t{days} * 24 + hours) * 60 + minutes) * 60 + seconds)
     {
@@ -61,7 +61,7 @@ class NYR_EXPORT CTime
 {
 public:
     constexpr CTime() noexcept = default;
-    constexpr CTime(int64_t seconds) noexcept : m_time(seconds) {}  // NOLINT: implicit as in the framework
+    constexpr CTime(int64_t seconds) noexcept : m_time(seconds) {}  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     // A local calendar reading; `dst` < 0 unknown, 0 standard, > 0 daylight
     // saving time. Fields are checked (years 1..9999, the day against the
     // month, seconds 0..59); a reading that names no instant gives 0.
@@ -69,10 +69,10 @@ public:
     // A local DOS stamp; 0 when the words name no instant.
     CTime(uint16_t dosDate, uint16_t dosTime, int dst = -1) noexcept;
     // A local SYSTEMTIME (milliseconds dropped); 0 when invalid.
-    CTime(const SYSTEMTIME& systemTime, int dst = -1) noexcept;
+    CTime(const SYSTEMTIME& systemTime, int dst = -1) noexcept;  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     // A UTC FILETIME: made a local file time, then a SYSTEMTIME, then as
     // above; 0 when a step fails.
-    CTime(const FILETIME& fileTime, int dst = -1) noexcept;
+    CTime(const FILETIME& fileTime, int dst = -1) noexcept;  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
 
     static CTime GetCurrentTime() noexcept;
 
@@ -110,7 +110,7 @@ public:
     enum DateTimeSpanStatus { valid = 0, invalid = 1, null = 2 };
 
     constexpr COleDateTimeSpan() noexcept = default;
-    constexpr COleDateTimeSpan(double days) noexcept : m_span(days) {}  // NOLINT: implicit as in the framework
+    constexpr COleDateTimeSpan(double days) noexcept : m_span(days) {}  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     COleDateTimeSpan(long days, int hours, int minutes, int seconds) noexcept;
 
     DateTimeSpanStatus GetStatus() const noexcept { return m_status; }
@@ -158,13 +158,13 @@ public:
     // Days since 1899-12-30. Before that day the whole part counts days back
     // and the fraction still runs forward (-1.25 is 1899-12-29 06:00).
     // Invalid when outside the range or not finite.
-    COleDateTime(double date) noexcept;  // NOLINT: implicit as in the framework
+    COleDateTime(double date) noexcept;  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     COleDateTime(int year, int month, int day, int hour, int minute, int second) noexcept;
-    COleDateTime(const SYSTEMTIME& systemTime) noexcept;  // NOLINT
+    COleDateTime(const SYSTEMTIME& systemTime) noexcept;  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     // A UTC FILETIME as its local reading.
-    COleDateTime(const FILETIME& fileTime) noexcept;  // NOLINT
+    COleDateTime(const FILETIME& fileTime) noexcept;  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
     // A CTime as its local reading.
-    COleDateTime(const CTime& time) noexcept;  // NOLINT
+    COleDateTime(const CTime& time) noexcept;  // NOLINT(google-explicit-constructor): implicit as in the framework, whose callers rely on it
 
     static COleDateTime GetCurrentTime() noexcept;
 

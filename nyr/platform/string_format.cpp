@@ -4,6 +4,8 @@
 #include <cstring>
 #include <new>
 
+#include "nyr/platform/ascii_p.h"
+
 std::string NyrFormatV(const char* format, va_list args)
 {
     char small[256];
@@ -35,10 +37,7 @@ std::string NyrFormat(const char* format, ...)
 
 namespace {
 
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+using nyr::ascii::IsDigit;
 
 // Width or precision: digits or one "*".
 void SkipCount(std::string_view text, std::size_t& i)

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/file_read.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/time/leap_seconds_p.h"
@@ -16,20 +17,10 @@ namespace {
 // A leap-second list is a few kB; anything far beyond is not one.
 constexpr std::size_t kMaxListBytes = 1 << 20;
 
-bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r';
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 // The value of a hexadecimal digit, -1 for any other character.
 int HexValue(char c)
 {
-    if (IsDigit(c))
+    if (nyr::ascii::IsDigit(c))
         return c - '0';
     if (c >= 'a' && c <= 'f')
         return c - 'a' + 10;
@@ -42,11 +33,11 @@ int HexValue(char c)
 // when there is none or it exceeds 2^62.
 bool ReadCount(const std::string& line, std::size_t& i, std::string& digits, int64_t& value)
 {
-    while (i < line.size() && IsBlank(line[i]))
+    while (i < line.size() && nyr::ascii::IsLineBlank(line[i]))
         ++i;
     const std::size_t start = i;
     value = 0;
-    for (; i < line.size() && IsDigit(line[i]); ++i) {
+    for (; i < line.size() && nyr::ascii::IsDigit(line[i]); ++i) {
         if (value > (int64_t{1} << 62) / 10)
             return false;
         value = value * 10 + (line[i] - '0');
@@ -58,7 +49,7 @@ bool ReadCount(const std::string& line, std::size_t& i, std::string& digits, int
 // Nothing but blanks, or a comment, from line[i] on.
 bool RestIsComment(const std::string& line, std::size_t i)
 {
-    while (i < line.size() && IsBlank(line[i]))
+    while (i < line.size() && nyr::ascii::IsLineBlank(line[i]))
         ++i;
     return i == line.size() || line[i] == '#';
 }
@@ -69,7 +60,7 @@ bool ReadHashWords(const std::string& line, uint32_t (&words)[5])
 {
     std::size_t i = 2;
     for (uint32_t& word : words) {
-        while (i < line.size() && IsBlank(line[i]))
+        while (i < line.size() && nyr::ascii::IsLineBlank(line[i]))
             ++i;
         word = 0;
         int digits = 0;

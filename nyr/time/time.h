@@ -71,15 +71,17 @@ public:
 
     // The current instant (whole seconds).
     CNyrTime();
-    CNyrTime(const CTime& time);  // NOLINT: a CTime is a CNyrTime without fraction
-    CNyrTime(int64_t seconds);    // NOLINT
+    CNyrTime(const CTime& time);  // NOLINT(google-explicit-constructor): a CTime is a CNyrTime without fraction
+    CNyrTime(int64_t seconds);  // NOLINT(google-explicit-constructor): seconds since 1970 UTC, as CTime takes them
     // A local calendar reading; `dst` < 0 unknown, 0 standard, > 0 daylight
     // saving time. Fields that name no instant (month 13, Feb 30, year 0,
     // second 60) give the seconds count 0.
     CNyrTime(int year, int month, int day, int hour, int minute, int second, int dst = -1);
     CNyrTime(uint16_t dosDate, uint16_t dosTime, int dst = -1);
-    CNyrTime(const SYSTEMTIME& systemTime, int dst = -1);  // milliseconds dropped
-    CNyrTime(const FILETIME& fileTime, int dst = -1);      // seconds count 0 when it cannot convert
+    // Milliseconds dropped.
+    CNyrTime(const SYSTEMTIME& systemTime, int dst = -1);  // NOLINT(google-explicit-constructor): as CTime
+    // Seconds count 0 when it cannot convert.
+    CNyrTime(const FILETIME& fileTime, int dst = -1);  // NOLINT(google-explicit-constructor): as CTime
     // Parsed by ScanTime.
     CNyrTime(const std::string& text, const std::string& format);
     // GPS week and seconds of week (see SetGpsTime).
@@ -103,7 +105,7 @@ public:
 
     // --- MJD ----------------------------------------------------------------
     double Mjd() const;
-    operator double() const { return Mjd(); }  // NOLINT: the numeric form
+    operator double() const { return Mjd(); }  // NOLINT(google-explicit-constructor): the numeric form, the MJD
     // Sets the point to a local civil MJD; seconds count 0 when the MJD names
     // no instant.
     void Mjd(double mjd);
@@ -266,11 +268,6 @@ private:
     double m_timezone;
 };
 
-namespace nyr::time_detail {
-// NyrCompare of CNyrTime for the points its inline test leaves open.
-NYR_EXPORT int CompareNear(const CNyrTime& a, const CNyrTime& b);
-}  // namespace nyr::time_detail
-
 // Three-way comparisons for sorted columns: -1, 0, +1. NyrCompare orders
 // CNyrTime by MJD (local civil time, so the repeated hour at the end of
 // daylight saving time compares equal to its first reading), CTime by its
@@ -278,28 +275,7 @@ NYR_EXPORT int CompareNear(const CNyrTime& a, const CNyrTime& b);
 // before invalid; equal statuses compare equal). The date-part and
 // time-part forms use the ...PartLess tests both ways, so they are true
 // three-way comparisons.
-inline int NyrCompare(const CNyrTime& a, const CNyrTime& b)
-{
-    // The MJD is a monotonic function of the local clock reading plus the
-    // fraction. Sorted time columns make millions of these comparisons, and
-    // the MJDs cost a breakdown each, so they are the last resort: a local
-    // reading is the instant shifted by the zone's offset, and an offset
-    // stays within 25 hours either way (the POSIX limit of TZ rules, beyond
-    // every tzdata zone), so points more than 50 hours apart order as their
-    // seconds do. Points within 50 hours of the ends of years 1..9999 take
-    // the long way too: outside those years the MJD is 0.0.
-    constexpr int64_t kFar = 50 * 3600;
-    constexpr int64_t kFirst = -62135596800 + kFar;  // 0001-01-01 00:00 UTC
-    constexpr int64_t kLast = 253402300799 - kFar;   // 9999-12-31 23:59:59 UTC
-    const int64_t sa = a.GetTime().GetTime(), sb = b.GetTime().GetTime();
-    const auto inside = [](int64_t s) {
-        return static_cast<uint64_t>(s) - static_cast<uint64_t>(kFirst) <= uint64_t{kLast - kFirst};
-    };
-    if (inside(sa) && inside(sb) && static_cast<uint64_t>(sa - sb + kFar) > uint64_t{2 * kFar})
-        return sa < sb ? -1 : 1;
-    return nyr::time_detail::CompareNear(a, b);
-}
-
+NYR_EXPORT int NyrCompare(const CNyrTime& a, const CNyrTime& b);
 NYR_EXPORT int NyrCompare(const CTime& a, const CTime& b);
 NYR_EXPORT int NyrCompare(const COleDateTime& a, const COleDateTime& b);
 NYR_EXPORT int NyrCompareDatePart(const CNyrTime& a, const CNyrTime& b);

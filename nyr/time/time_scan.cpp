@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/local_time_p.h"
 #include "nyr/time/time.h"
 #include "nyr/time/time_span.h"
@@ -14,15 +15,8 @@ namespace {
 
 enum class Read { kEnd, kNoMatch, kOk };
 
-bool IsSpace(char c)
-{
-    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+using nyr::ascii::IsDigit;
+using nyr::ascii::IsSpace;
 
 // Skips leading white space; kEnd when nothing else is left (a read that
 // hits the end of the text).
@@ -104,15 +98,77 @@ int ToInt(long value)
     return value < INT_MIN ? INT_MIN : value > INT_MAX ? INT_MAX : static_cast<int>(value);
 }
 
-}  // namespace
-
-double CNyrTime::ScanTime(const std::string& textIn, const std::string& patternIn)
+// The fields a scan has read so far.
+struct Fields
 {
     long year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     double fraction = 0.0;
     char marker[2] = {' ', ' '};
     bool fourDigitYear = false;
+};
 
+// Reads the number (or AM/PM word) of conversion `letter` from the start of
+// `text` into its field.
+Read ReadConversion(char letter, std::string_view text, Fields& f)
+{
+    Read read = Read::kNoMatch;
+    switch (letter) {
+    case 'm': return ReadLong(text, f.month);
+    case 'd':
+    case 'j': return ReadLong(text, f.day);
+    case 'H':
+    case 'I': return ReadLong(text, f.hour);
+    case 'M': return ReadLong(text, f.minute);
+    case 'S': return ReadLong(text, f.second);
+    case 'Y':
+        read = ReadLong(text, f.year);
+        if (read == Read::kOk)
+            f.fourDigitYear = true;
+        return read;
+    case 's': {
+        double seconds = 0.0;
+        read = ReadDouble(text, seconds);
+        if (read == Read::kOk) {
+            const double whole = std::trunc(seconds);
+            f.second = std::fabs(whole) < 1e9 ? static_cast<long>(whole) : LONG_MAX;
+            f.fraction = std::fabs(whole) < 1e9 ? seconds - whole : 0.0;
+        }
+        return read;
+    }
+    case 'D': {
+        double days = 0.0;
+        read = ReadDouble(text, days);
+        if (read == Read::kOk && !CNyrTimeSpanHelper::Mjd2Hms(days, f.day, f.hour, f.minute, f.second, f.fraction))
+            f.day = LONG_MAX;  // refused by MakeLocal
+        return read;
+    }
+    case 'p': return ReadMarker(text, f.marker);
+    default:
+        // "%y" and every other letter, "%#d" and "%b" included: a two-digit
+        // year, intended.
+        read = ReadLong(text, f.year);
+        if (read == Read::kOk)
+            f.fourDigitYear = false;
+        return read;
+    }
+}
+
+// The century of a two-digit year and the afternoon of a "PM" hour.
+void Complete(Fields& f)
+{
+    if (!f.fourDigitYear && f.year < 71)  // a two-digit year: 70 is 2070, 71 is 1971
+        f.year += 2000;
+    else if (!f.fourDigitYear && f.year < LONG_MAX - 1900)
+        f.year += 1900;
+    if (f.marker[0] == 'P' && f.marker[1] == 'M' && f.hour < 12)
+        f.hour += 12;  // an "AM" hour of 12 stays 12, intended
+}
+
+}  // namespace
+
+double CNyrTime::ScanTime(const std::string& textIn, const std::string& patternIn)
+{
+    Fields f;
     std::string pattern = patternIn;
     std::string_view text = textIn;
     for (std::size_t percent = pattern.find('%'); percent != std::string::npos; percent = pattern.find('%')) {
@@ -121,68 +177,21 @@ double CNyrTime::ScanTime(const std::string& textIn, const std::string& patternI
         pattern[percent] = ' ';
         if (percent + 1 < pattern.size())
             pattern[percent + 1] = ' ';
-
-        Read read = Read::kNoMatch;
-        switch (letter) {
-        case 'm': read = ReadLong(text, month); break;
-        case 'd':
-        case 'j': read = ReadLong(text, day); break;
-        case 'H':
-        case 'I': read = ReadLong(text, hour); break;
-        case 'M': read = ReadLong(text, minute); break;
-        case 'S': read = ReadLong(text, second); break;
-        case 'Y':
-            read = ReadLong(text, year);
-            if (read == Read::kOk)
-                fourDigitYear = true;
-            break;
-        case 's': {
-            double seconds = 0.0;
-            read = ReadDouble(text, seconds);
-            if (read == Read::kOk) {
-                const double whole = std::trunc(seconds);
-                second = std::fabs(whole) < 1e9 ? static_cast<long>(whole) : LONG_MAX;
-                fraction = std::fabs(whole) < 1e9 ? seconds - whole : 0.0;
-            }
-            break;
-        }
-        case 'D': {
-            double days = 0.0;
-            read = ReadDouble(text, days);
-            if (read == Read::kOk && !CNyrTimeSpanHelper::Mjd2Hms(days, day, hour, minute, second, fraction))
-                day = LONG_MAX;  // refused below
-            break;
-        }
-        case 'p': read = ReadMarker(text, marker); break;
-        default:
-            // "%y" and every other letter, "%#d" and "%b" included: a
-            // two-digit year, intended.
-            read = ReadLong(text, year);
-            if (read == Read::kOk)
-                fourDigitYear = false;
-            break;
-        }
-        if (read == Read::kEnd)
+        if (ReadConversion(letter, text, f) == Read::kEnd)
             break;
         text = DropField(text);
     }
-
-    if (!fourDigitYear && year < 71)  // a two-digit year: 70 is 2070, 71 is 1971
-        year += 2000;
-    else if (!fourDigitYear && year < LONG_MAX - 1900)
-        year += 1900;
-    if (marker[0] == 'P' && marker[1] == 'M' && hour < 12)
-        hour += 12;  // an "AM" hour of 12 stays 12, intended
+    Complete(f);
 
     int64_t seconds = 0;
-    if (!(fraction >= 0.0 && fraction < 1.0) ||
-        !nyr::local::MakeLocal(year, ToInt(month), ToInt(day), ToInt(hour), ToInt(minute), ToInt(second), -1,
-                               seconds)) {
+    if (!(f.fraction >= 0.0 && f.fraction < 1.0) ||
+        !nyr::local::MakeLocal(f.year, ToInt(f.month), ToInt(f.day), ToInt(f.hour), ToInt(f.minute),
+                               ToInt(f.second), -1, seconds)) {
         m_time = CTime();
         m_fracSecond = 0.0;
         return 0.0;
     }
     m_time = CTime(seconds);
-    m_fracSecond = fraction;
+    m_fracSecond = f.fraction;
     return Mjd();
 }

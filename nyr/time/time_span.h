@@ -15,9 +15,9 @@ class NYR_EXPORT CNyrTimeSpan
 {
 public:
     CNyrTimeSpan() = default;
-    CNyrTimeSpan(const CTimeSpan& span);  // NOLINT: a CTimeSpan is a CNyrTimeSpan without fraction
-    CNyrTimeSpan(long seconds);           // NOLINT
-    CNyrTimeSpan(int seconds) : CNyrTimeSpan(static_cast<long>(seconds)) {}  // NOLINT: CNyrTimeSpan(60) is 60 s
+    CNyrTimeSpan(const CTimeSpan& span);  // NOLINT(google-explicit-constructor): a CTimeSpan is a CNyrTimeSpan without fraction
+    CNyrTimeSpan(long seconds);  // NOLINT(google-explicit-constructor): a count of seconds is a span
+    CNyrTimeSpan(int seconds) : CNyrTimeSpan(static_cast<long>(seconds)) {}  // NOLINT(google-explicit-constructor): CNyrTimeSpan(60) is 60 s
     CNyrTimeSpan(long days, int hours, int minutes, int seconds);
     // Split by Mjd2Hms: the whole seconds to the span, the rest to the
     // fraction (1.5 gives 129600 s and fraction 0). A day count that is not
@@ -33,7 +33,7 @@ public:
 
     // Days: fraction / 86400 + seconds / 86400.
     double Mjd() const;
-    operator double() const { return Mjd(); }  // NOLINT: the numeric form
+    operator double() const { return Mjd(); }  // NOLINT(google-explicit-constructor): the numeric form, in days
     void Mjd(double days);
 
     // 7 w + s / 86400 days.

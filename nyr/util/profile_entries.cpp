@@ -13,54 +13,6 @@
 using nyr::detail::ReadProfileValue;
 using nyr::detail::WriteProfileValue;
 
-// ---- names ---------------------------------------------------------------
-
-const char* CNyrProfileEntries::TimeSection() { return "CNyrTime"; }
-const char* CNyrProfileEntries::TimeEntryFormatNumber() { return "Time Format (###)"; }
-const char* CNyrProfileEntries::TimeEntryFormatString() { return "Time Format (str)"; }
-const char* CNyrProfileEntries::LeapSecondsSection() { return "LeapSeconds"; }
-const char* CNyrProfileEntries::LeapSecondsEntry() { return "KnownLeapSeconds"; }
-const char* CNyrProfileEntries::LastDocumentsEntry() { return "Doc_"; }
-const char* CNyrProfileEntries::ListViewFindDialogSearchFromBeginning() { return "SearchFromBeginning"; }
-const char* CNyrProfileEntries::ListViewFindDialogMatchWord() { return "MatchWord"; }
-const char* CNyrProfileEntries::ListViewFindDialogMatchCase() { return "MatchCase"; }
-const char* CNyrProfileEntries::ListViewFindDialogSearchAll() { return "SearchAll"; }
-const char* CNyrProfileEntries::ListViewFindDialogSearchString() { return "SearchString"; }
-const char* CNyrProfileEntries::ListViewSaveAsDlgIncludeHeader() { return "IncludeHeader"; }
-const char* CNyrProfileEntries::ListViewSaveAsDlgSaveWhat() { return "SaveWhat"; }
-const char* CNyrProfileEntries::ListViewPrintWhat() { return "PrintWhat"; }
-const char* CNyrProfileEntries::ListViewPrintFitToWidth() { return "PrintFitToWidth"; }
-const char* CNyrProfileEntries::ListViewPrintLandscape() { return "PrintLandscape"; }
-const char* CNyrProfileEntries::ListViewPrintMargins() { return "PrintMargins"; }
-const char* CNyrProfileEntries::ListViewPrintPdfFile() { return "PrintPdfFile"; }
-const char* CNyrProfileEntries::ReportViewColWidth() { return "ColWidth"; }
-const char* CNyrProfileEntries::ReportViewColOrder() { return "ColOrder"; }
-const char* CNyrProfileEntries::ReportViewSortState() { return "SortState"; }
-const char* CNyrProfileEntries::SplitterViewColSize() { return "ColSize"; }
-const char* CNyrProfileEntries::SplitterViewRowSize() { return "RowSize"; }
-const char* CNyrProfileEntries::SplitterViewWidthOriginalCur() { return "WidthOriginalCur"; }
-const char* CNyrProfileEntries::SplitterViewWidthOriginalMin() { return "WidthOriginalMin"; }
-const char* CNyrProfileEntries::SplitterViewCollapsed() { return "Collapsed"; }
-const char* CNyrProfileEntries::MessageBoxDialogSettings() { return "@NyrMessageBox/"; }
-const char* CNyrProfileEntries::MessageBoxDoNotPromptInFuture() { return "DoNotPromptInFuture"; }
-const char* CNyrProfileEntries::MessageBoxDefaultValue() { return "defaultvalue"; }
-const char* CNyrProfileEntries::UnitSettingsDistanceSection() { return "CNyrUnitSettingsDistance"; }
-const char* CNyrProfileEntries::UnitSettingsDistanceEntryFormatNumber() { return "UnitDistance Format (###)"; }
-const char* CNyrProfileEntries::UnitSettingsDistanceEntryFormatString() { return "UnitDistance Format (str)"; }
-const char* CNyrProfileEntries::UnitSettingsAngleSection() { return "CNyrUnitSettingsAngle"; }
-const char* CNyrProfileEntries::UnitSettingsAngleLatLonSection() { return "CNyrUnitSettingsAngleLatLon"; }
-const char* CNyrProfileEntries::UnitSettingsAngleEntryFormatNumber() { return "UnitAngle Format (###)"; }
-const char* CNyrProfileEntries::UnitSettingsAngleEntryFormatString() { return "UnitAngle Format (str)"; }
-const char* CNyrProfileEntries::SelectFilenameEntryWindowWidth() { return "Window Width"; }
-const char* CNyrProfileEntries::SelectFilenameEntryWindowHeight() { return "Window Height"; }
-const char* CNyrProfileEntries::SelectFilenameEntryLastFolder() { return "Last Folder"; }
-const char* CNyrProfileEntries::SelectFilenameEntryFileType() { return "FileType"; }
-const char* CNyrProfileEntries::DialogEntryWindowLeft() { return "Window Left"; }
-const char* CNyrProfileEntries::DialogEntryWindowTop() { return "Window Top"; }
-const char* CNyrProfileEntries::FolderContentViewColWidth() { return "FCV_ColWidth"; }
-const char* CNyrProfileEntries::FolderContentViewSortState() { return "FCV_SortState"; }
-const char* CNyrProfileEntries::FolderContentViewViewStyle() { return "FCV_ViewStyle"; }
-
 // ---- file-addressed operations --------------------------------------------
 
 unsigned int CNyrProfileEntries::ReadProfileInt(const std::string& file, const std::string& section,

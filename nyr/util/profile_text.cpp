@@ -10,11 +10,6 @@ namespace nyr::detail {
 
 namespace {
 
-constexpr bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
-}
-
 // A value enclosed in one pair of matching quotes loses them on reading.
 std::string_view Unquote(std::string_view v)
 {
@@ -76,13 +71,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view TrimBlanks(std::string_view s)
 {
-    size_t b = 0;
-    size_t e = s.size();
-    while (b < e && IsBlank(s[b]))
-        ++b;
-    while (e > b && IsBlank(s[e - 1]))
-        --e;
-    return s.substr(b, e - b);
+    return ascii::Trimmed(s, ascii::IsLineBlank);
 }
 
 namespace {
@@ -92,7 +81,7 @@ namespace {
 size_t DigitsStart(std::string_view s, bool& negative)
 {
     size_t i = 0;
-    while (i < s.size() && (IsBlank(s[i]) || s[i] == '\n'))
+    while (i < s.size() && ascii::IsSpace(s[i]))
         ++i;
     negative = false;
     if (i < s.size() && (s[i] == '+' || s[i] == '-'))
@@ -262,7 +251,7 @@ void CProfileText::Parse()
             if (!name.empty()) {
                 const std::string_view raw = line.substr(eq + 1);
                 size_t lead = 0;
-                while (lead < raw.size() && IsBlank(raw[lead]))
+                while (lead < raw.size() && ascii::IsLineBlank(raw[lead]))
                     ++lead;
                 const std::string_view value = Unquote(TrimBlanks(raw)).substr(0, kMaxValue);
                 Entry entry;

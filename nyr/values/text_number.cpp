@@ -3,8 +3,8 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstring>
 
+#include "nyr/platform/ascii_p.h"
 #include "nyr/values/text_number_p.h"
 
 namespace nyr::values {
@@ -12,11 +12,6 @@ namespace nyr::values {
 namespace {
 
 constexpr int kMaxDecimals = 30;
-
-bool IsWhiteSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 }  // namespace
 
@@ -68,12 +63,7 @@ std::size_t ReadNumber(const char* text, double& value)
 
 std::string_view TrimWhiteSpace(const char* text)
 {
-    while (IsWhiteSpace(*text))
-        ++text;
-    std::size_t length = std::strlen(text);
-    while (length > 0 && IsWhiteSpace(text[length - 1]))
-        --length;
-    return {text, length};
+    return nyr::ascii::Trimmed(text);
 }
 
 std::string ShortestText(double number)

@@ -183,7 +183,7 @@ public:
     int SaveCurrentSelection(const CUnitAngleComboBox& list, QWidget* notifyRoot);
 
 protected:
-    CNyrUnitSettingsAngle(const char* section);
+    explicit CNyrUnitSettingsAngle(const char* section);
 };
 
 // The unit of latitudes and longitudes: DMS (12) at construction. Section

@@ -59,7 +59,7 @@ public:
     // this a distance or the other way round.
     CNyrValue& operator=(const CNyrValue& other);
 
-    operator double() const { return m_value; }
+    operator double() const { return m_value; }  // NOLINT(google-explicit-constructor): a value reads as its number
     double GetDouble() const { return m_value; }
     // Returns the status of this assignment (0: stored).
     int SetDouble(double standardValue);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/values/packed_angle.h"
 #include "nyr/values/text_number_p.h"
@@ -33,10 +34,7 @@ const Hemispheres& SouthWest()
 constexpr double kPoleTolerance = 1e-8;           // radians, 0.002"
 constexpr double kAntimeridianTolerance = 1e-12;  // radians, 2e-7"
 
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+using nyr::ascii::IsDigit;
 
 // One conversion of "%d%d%f" on the cleaned text: whole units and minutes
 // as "%d" reads them ([-]digits), seconds as "%f" reads them ([-]digits with

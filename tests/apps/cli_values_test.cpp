@@ -47,6 +47,16 @@ TEST(CliValues, AngleAndDistanceCommands)
         {{"angle", "parse", "1", "--unit"}, 2, ""},
         {{"distance", "format", "1", "--unit", "m", "--symbols"}, 2, ""},
         {{"distance", "parse", "1", "--unit", "dec"}, 2, ""},
+        {{"angle", "convert", "1", "--from", "dec", "--to", "rad", "--unit", "dec"}, 2, ""},
+        {{"angle", "convert", "1", "--from", "dec", "--to", "rad", "--lat"}, 2, ""},
+        {{"angle", "convert", "1", "--from", "dec"}, 2, ""},
+        {{"angle", "format", "1", "--unit", "dec", "--from", "dec"}, 2, ""},
+        {{"angle", "format", "1"}, 2, ""},
+        {{"angle", "parse", "1", "--unit", "dec", "--precision", "3"}, 2, ""},
+        {{"angle", "parse", "1", "--unit", "dec", "--seconds-only"}, 2, ""},
+        {{"angle", "parse", "1", "2", "--unit", "dec"}, 2, ""},
+        {{"angle", "parse", "1", "--unit", "dec", "--sideways"}, 2, ""},
+        {{"distance", "format", "1", "--unit", "m", "--lat"}, 2, ""},
     };
     for (const CliCase& c : cases) {
         const auto r = Nyr(c.args);

@@ -21,7 +21,7 @@ class CUnitBar : public QToolBar
 public:
     // `notifyRoot` receives the notifications for its descendants and must
     // outlive the bar (its main window).
-    CUnitBar(QWidget* notifyRoot, QWidget* parent = nullptr);
+    explicit CUnitBar(QWidget* notifyRoot, QWidget* parent = nullptr);
     ~CUnitBar() override;
 
     // Labels and unit lists in the current language.
