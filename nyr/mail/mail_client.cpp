@@ -16,6 +16,7 @@
 
 #include "nyr/mail/mail_text_p.h"
 #include "nyr/platform/file_read.h"
+#include "nyr/platform/text_p.h"
 
 extern char** environ;
 
@@ -26,14 +27,6 @@ namespace {
 constexpr auto kHelperTimeout = std::chrono::seconds(10);
 constexpr std::size_t kMaxHelperOutput = 64 * 1024;
 constexpr std::size_t kMaxDesktopFile = 1024 * 1024;
-
-std::string_view Trimmed(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
 
 bool IsExecutableFile(const std::string& path)
 {
@@ -120,12 +113,12 @@ std::string NyrDesktopEntryExec(std::string_view text)
         if (!line.empty() && line[0] == '[') {
             if (inEntry)
                 return {};  // the group ended without an Exec key
-            inEntry = !seenEntry && Trimmed(line) == "[Desktop Entry]";
+            inEntry = !seenEntry && nyr::text::Trimmed(line) == "[Desktop Entry]";
             seenEntry = seenEntry || inEntry;
             continue;
         }
         const std::size_t equals = line.find('=');
-        if (inEntry && equals != std::string_view::npos && Trimmed(line.substr(0, equals)) == "Exec") {
+        if (inEntry && equals != std::string_view::npos && nyr::text::Trimmed(line.substr(0, equals)) == "Exec") {
             std::string_view value = line.substr(equals + 1);
             value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
             return Unescaped(value);
@@ -157,7 +150,7 @@ std::string NyrExecProgram(std::string_view exec)
 
 std::string NyrMimeDefaultId(std::string_view output)
 {
-    const std::string_view id = Trimmed(output);
+    const std::string_view id = nyr::text::Trimmed(output);
     const std::string_view suffix = ".desktop";
     if (id.size() <= suffix.size() || id.substr(id.size() - suffix.size()) != suffix ||
         id.find_first_of(" \t\r\n/") != std::string_view::npos)

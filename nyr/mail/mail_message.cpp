@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "nyr/mail/mail_text_p.h"
+#include "nyr/platform/text_p.h"
 
 using NyrMailHelper::MAIL_ADDRESS;
 
@@ -13,21 +14,6 @@ std::string& MailerNameDefaultValue()
 {
     static std::string value = "NyrMail";
     return value;
-}
-
-bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
-}
-
-std::string Trimmed(std::string_view text)
-{
-    std::size_t first = 0, last = text.size();
-    while (first < last && IsBlank(text[first]))
-        ++first;
-    while (last > first && IsBlank(text[last - 1]))
-        --last;
-    return std::string(text.substr(first, last - first));
 }
 
 }  // namespace
@@ -244,7 +230,7 @@ MAIL_ADDRESS CNyrMailMessage::MailAddressFromString(const char* text)
         result.address = all;
         return result;
     }
-    result.name = Trimmed(all.substr(0, open));
+    result.name = nyr::text::Trimmed(all.substr(0, open));
     const std::string_view rest = all.substr(open + 1);
     result.address = rest.substr(0, rest.find_first_of("<>"));
     return result;

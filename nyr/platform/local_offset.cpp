@@ -59,11 +59,6 @@ constexpr uint64_t kRunGenerationMask = (uint64_t{1} << 9) - 1;
 constexpr int64_t kRunReach = 62;
 std::atomic<uint64_t> g_run{0};
 
-int64_t FloorDiv(int64_t a, int64_t b)
-{
-    return a / b - (a % b < 0 ? 1 : 0);
-}
-
 // The day table's entry for `day`, filled in when missing.
 uint64_t DayEntry(int64_t day, uint64_t generation)
 {
@@ -175,7 +170,7 @@ bool OffsetAt(int64_t seconds, int64_t& offset, struct tm* breakdown)
 
 int CompareLocalReadings(int64_t a, int64_t b)
 {
-    const int64_t dayA = FloorDiv(a, kDay), dayB = FloorDiv(b, kDay);
+    const int64_t dayA = nyr::cal::FloorDiv(a, kDay), dayB = nyr::cal::FloorDiv(b, kDay);
     if (dayA < -kDayBias || dayA >= kDayBias || dayB < -kDayBias || dayB >= kDayBias)
         return 0;  // far outside years 1..9999: the breakdown fails there too
     const uint64_t generation = g_generation.load(std::memory_order_relaxed) & kGenerationMask;

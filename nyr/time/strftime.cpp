@@ -3,7 +3,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "nyr/platform/calendar_p.h"
+
 namespace {
+
+using nyr::cal::FloorDiv;
 
 constexpr const char* kShortDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 constexpr const char* kLongDays[] = {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
@@ -15,11 +19,6 @@ constexpr const char* kLongMonths[] = {"January", "February", "March",     "Apri
 const char* Name(const char* const* table, int count, int index)
 {
     return index >= 0 && index < count ? table[index] : "?";
-}
-
-int64_t FloorDiv(int64_t a, int64_t d)
-{
-    return a / d - (a % d != 0 && (a % d < 0));
 }
 
 int IsoWeeksInYear(int64_t y)

@@ -4,6 +4,8 @@
 #include <climits>
 #include <cstring>
 
+#include "nyr/platform/text_p.h"
+
 namespace nyr::detail {
 
 namespace {
@@ -11,11 +13,6 @@ namespace {
 constexpr unsigned char FoldCase(unsigned char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + ('a' - 'A')) : c;
-}
-
-constexpr bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
 }
 
 // A value enclosed in one pair of matching quotes loses them on reading.
@@ -83,19 +80,13 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view TrimBlanks(std::string_view s)
 {
-    size_t b = 0;
-    size_t e = s.size();
-    while (b < e && IsBlank(s[b]))
-        ++b;
-    while (e > b && IsBlank(s[e - 1]))
-        --e;
-    return s.substr(b, e - b);
+    return nyr::text::TrimmedBy(s, nyr::text::IsProfileBlank);
 }
 
 int ParseLeadingInt(std::string_view s)
 {
     size_t i = 0;
-    while (i < s.size() && (IsBlank(s[i]) || s[i] == '\n'))
+    while (i < s.size() && (nyr::text::IsProfileBlank(s[i]) || s[i] == '\n'))
         ++i;
     bool negative = false;
     if (i < s.size() && (s[i] == '+' || s[i] == '-'))
@@ -246,7 +237,7 @@ void CProfileText::Parse()
             if (!name.empty()) {
                 const std::string_view raw = line.substr(eq + 1);
                 size_t lead = 0;
-                while (lead < raw.size() && IsBlank(raw[lead]))
+                while (lead < raw.size() && nyr::text::IsProfileBlank(raw[lead]))
                     ++lead;
                 const std::string_view value = Unquote(TrimBlanks(raw)).substr(0, kMaxValue);
                 Entry entry;

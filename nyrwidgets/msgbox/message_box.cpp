@@ -5,8 +5,9 @@
 #include <QPointer>
 #include <algorithm>
 #include <array>
-#include <cctype>
 
+#include "nyr/platform/ascii_p.h"
+#include "nyr/platform/text_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/msgbox/message_box_p.h"
@@ -16,22 +17,12 @@ namespace nyr::msgbox {
 
 std::string NormalisedKey(const std::string& key)
 {
-    const auto blank = [](unsigned char c) { return std::isspace(c) != 0; };
-    const auto first = std::find_if_not(key.begin(), key.end(), blank);
-    const auto last = std::find_if_not(key.rbegin(), std::string::const_reverse_iterator(first), blank).base();
-    std::string result(first, last);
+    std::string result(nyr::text::Trimmed(key));
     std::replace(result.begin(), result.end(), '\\', '/');
     const std::size_t begin = result.find_first_not_of('/');
     if (begin == std::string::npos)
         return {};
     return result.substr(begin, result.find_last_not_of('/') - begin + 1);
-}
-
-bool EqualNoCase(const std::string& a, const std::string& b)
-{
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](unsigned char x, unsigned char y) {
-               return std::tolower(x) == std::tolower(y);
-           });
 }
 
 namespace {
@@ -48,7 +39,7 @@ std::string WithoutSectionPrefix(std::string path)
 {
     std::replace(path.begin(), path.end(), '\\', '/');
     const std::string& prefix = SectionPrefix();
-    if (path.size() >= prefix.size() && EqualNoCase(path.substr(0, prefix.size()), prefix))
+    if (path.size() >= prefix.size() && nyr::ascii::EqualsNoCase(path.substr(0, prefix.size()), prefix))
         path.erase(0, prefix.size());
     return path;
 }
@@ -58,7 +49,7 @@ std::string WithoutSectionPrefix(std::string path)
 std::string RelativeKey(const std::string& key)
 {
     const std::string normalised = NormalisedKey(key);
-    if (EqualNoCase(normalised + "/", SectionPrefix()))
+    if (nyr::ascii::EqualsNoCase(normalised + "/", SectionPrefix()))
         return {};
     return WithoutSectionPrefix(normalised);
 }

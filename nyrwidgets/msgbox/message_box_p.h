@@ -13,9 +13,6 @@ std::string NormalisedKey(const std::string& key);
 // a leading "@NyrMessageBox/" (any case) removed; "@NyrMessageBox" alone is "".
 std::string RelativeKey(const std::string& key);
 
-// Whether the two texts are equal without regard to ASCII case.
-bool EqualNoCase(const std::string& a, const std::string& b);
-
 // Whether a message box can answer `result` (one of eNyrMessageBoxResult).
 bool IsResultCode(int result);
 

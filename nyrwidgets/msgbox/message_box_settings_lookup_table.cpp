@@ -1,10 +1,10 @@
 #include "nyrwidgets/msgbox/message_box_settings_lookup_table.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <set>
 
+#include "nyr/platform/ascii_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/msgbox/message_box_p.h"
@@ -19,7 +19,7 @@ bool AtOrBelow(const std::string& key, const std::string& prefix)
 {
     if (prefix.empty())
         return true;
-    if (key.size() < prefix.size() || !nyr::msgbox::EqualNoCase(key.substr(0, prefix.size()), prefix))
+    if (key.size() < prefix.size() || !nyr::ascii::EqualsNoCase(key.substr(0, prefix.size()), prefix))
         return false;
     return key.size() == prefix.size() || key[prefix.size()] == '/';
 }
@@ -38,9 +38,7 @@ int ReadWholeInt(const std::string& section, const char* entry)
 
 bool CNyrMessageBoxSettingsLookupTable::LessNoCase::operator()(const std::string& a, const std::string& b) const
 {
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-        return std::tolower(x) < std::tolower(y);
-    });
+    return nyr::ascii::CompareNoCase(a, b) < 0;
 }
 
 CNyrMessageBoxSettingsLookupTable::CNyrMessageBoxSettingsLookupTable() = default;

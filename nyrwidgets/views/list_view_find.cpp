@@ -10,6 +10,8 @@
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
+#include "nyr/platform/ascii_p.h"
+#include "nyr/platform/text_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/views/list_view.h"
 #include "nyrwidgets/views/list_view_find_dialog.h"
@@ -21,12 +23,6 @@ constexpr unsigned kMbOk = 0;
 bool IsBlank(char c)
 {
     return c == ' ' || c == '\t';
-}
-
-// What the settings store trims from the ends of a value it reads.
-bool IsTrimmedOnReading(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
 }
 
 constexpr std::array<unsigned char, 256> MakeLowerTable()
@@ -437,7 +433,7 @@ void CNyrListViewFind::StoreCustomProperties(const std::string& section) const
     // Blanks at the ends and a pair of enclosing quotes would be lost on
     // reading; one more pair of quotes keeps them.
     std::string text = crit.searchString;
-    const bool blankEnds = !text.empty() && (IsTrimmedOnReading(text.front()) || IsTrimmedOnReading(text.back()));
+    const bool blankEnds = !text.empty() && (nyr::text::IsProfileBlank(text.front()) || nyr::text::IsProfileBlank(text.back()));
     const bool quoted = text.size() >= 2 && (text.front() == '"' || text.front() == '\'') && text.back() == text.front();
     if (blankEnds || quoted)
         text = '"' + text + '"';

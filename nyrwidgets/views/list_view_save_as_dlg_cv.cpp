@@ -25,6 +25,7 @@
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
+#include "nyr/platform/text_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
@@ -50,24 +51,12 @@ QString Text(unsigned int id)
     return QString::fromStdString(NyrLoadString(id));
 }
 
-// The white space of the C locale; bytes of multibyte characters (0x80 and
-// up) never count as space.
-bool IsSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-// Trims `text`, replaces the delimiter inside it and appends it to `line`.
+// Trims `text` (bytes of multibyte characters never count as blanks),
+// replaces the delimiter inside it and appends it to `line`.
 void AppendCell(std::string& line, const std::string& text, char delimiter, char replacement)
 {
-    std::size_t begin = 0;
-    std::size_t end = text.size();
-    while (begin < end && IsSpace(text[begin]))
-        ++begin;
-    while (end > begin && IsSpace(text[end - 1]))
-        --end;
     const std::size_t start = line.size();
-    line.append(text, begin, end - begin);
+    line.append(nyr::text::Trimmed(text));
     if (delimiter == '\0')
         return;
     // Cells are short: a plain loop beats a search call per cell.
