@@ -452,7 +452,7 @@ void CNyrListView::ShowSortMarks(const std::vector<SORT_STATE_SCREENCOL>& state)
     d->sortState = state;
     std::vector<CNyrHeaderCtrlSort::SORT_COL> marks;
     for (const SORT_STATE_SCREENCOL& s : state) {
-        if (s.screenCol == 0xFFFFFFFFu)
+        if (s.screenCol == NYR_NO_INDEX)
             break;
         if (s.screenCol < static_cast<unsigned int>(model()->columnCount()))
             marks.push_back({static_cast<int>(s.screenCol), s.ascending});
@@ -486,7 +486,7 @@ void CNyrListView::SortList(const std::vector<SORT_STATE_SCREENCOL>& state)
     std::iota(order.begin(), order.end(), 0);
     nyr::NyrSampleSort(order.begin(), order.end(), [this, &state](int a, int b) {
         for (const SORT_STATE_SCREENCOL& s : state) {
-            if (s.screenCol == 0xFFFFFFFFu)
+            if (s.screenCol == NYR_NO_INDEX)
                 break;
             const int r = OnCompareItems(a, b, s.screenCol);
             if (r != 0)

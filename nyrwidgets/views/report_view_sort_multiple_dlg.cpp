@@ -79,7 +79,7 @@ CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* vie
         std::vector<CNyrReportView::SORT_STATE_REALCOL> state;
         view->GetSortState(state);
         for (int k = 0; k < kKeys && static_cast<std::size_t>(k) < state.size(); ++k) {
-            if (state[static_cast<std::size_t>(k)].realCol == 0xFFFFFFFFu)
+            if (state[static_cast<std::size_t>(k)].realCol == NYR_NO_INDEX)
                 break;
             SetChoice(k, static_cast<int>(state[static_cast<std::size_t>(k)].realCol),
                       state[static_cast<std::size_t>(k)].ascending);
