@@ -1,4 +1,5 @@
-// Context menus and command messages of CNyrReportView.
+// The context menus of CNyrReportView: their styles, their pieces and how they
+// are shown.
 #include "nyrwidgets/views/report_view_menu.h"
 
 #include <QContextMenuEvent>
@@ -7,20 +8,15 @@
 #include <QKeyEvent>
 
 #include "nyr/frame/notifications.h"
-#include "nyr/frame/resource_module.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/report_view_p.h"
 #include "nyrwidgets/views/view_print_list.h"
+#include "nyrwidgets/views/views_text_p.h"
 
-using nyr::views_detail::Ix;
+using nyr::views_detail::Text;
 
 namespace {
-
-QString Text(unsigned int id)
-{
-    return QString::fromStdString(NyrLoadString(id));
-}
 
 enum eMenuKind { kHeader = 0, kItem = 1, kItemBk = 2 };
 
@@ -56,6 +52,13 @@ int& AutoRestoreDefault()
 {
     static int value = 1;
     return value;
+}
+
+// One kind of menu's styles: plain, and with Shift held.
+void SetStyles(unsigned int (&styles)[2], unsigned int style, unsigned int shiftStyle)
+{
+    styles[0] = style;
+    styles[1] = shiftStyle;
 }
 
 }  // namespace
@@ -191,68 +194,62 @@ void CNyrReportViewMenuPopUp::AppendMenu(const QMenu* menu)
 
 void CNyrReportView::SetHeaderMenu(unsigned int style, unsigned int shiftStyle)
 {
-    d->menuStyles[kHeader][0] = style;
-    d->menuStyles[kHeader][1] = shiftStyle;
+    SetStyles(d->menuStyles[kHeader], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetHeaderMenu(bool shift) const
 {
-    return d->menuStyles[kHeader][shift ? 1 : 0];
+    return d->menuStyles[kHeader][shift];
 }
 
 void CNyrReportView::SetItemMenu(unsigned int style, unsigned int shiftStyle)
 {
-    d->menuStyles[kItem][0] = style;
-    d->menuStyles[kItem][1] = shiftStyle;
+    SetStyles(d->menuStyles[kItem], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemMenu(bool shift) const
 {
-    return d->menuStyles[kItem][shift ? 1 : 0];
+    return d->menuStyles[kItem][shift];
 }
 
 void CNyrReportView::SetItemBkMenu(unsigned int style, unsigned int shiftStyle)
 {
-    d->menuStyles[kItemBk][0] = style;
-    d->menuStyles[kItemBk][1] = shiftStyle;
+    SetStyles(d->menuStyles[kItemBk], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemBkMenu(bool shift) const
 {
-    return d->menuStyles[kItemBk][shift ? 1 : 0];
+    return d->menuStyles[kItemBk][shift];
 }
 
 void CNyrReportView::SetHeaderMenuDefault(unsigned int style, unsigned int shiftStyle)
 {
-    MenuDefaults()[kHeader][0] = style;
-    MenuDefaults()[kHeader][1] = shiftStyle;
+    SetStyles(MenuDefaults()[kHeader], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetHeaderMenuDefault(bool shift)
 {
-    return MenuDefaults()[kHeader][shift ? 1 : 0];
+    return MenuDefaults()[kHeader][shift];
 }
 
 void CNyrReportView::SetItemMenuDefault(unsigned int style, unsigned int shiftStyle)
 {
-    MenuDefaults()[kItem][0] = style;
-    MenuDefaults()[kItem][1] = shiftStyle;
+    SetStyles(MenuDefaults()[kItem], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemMenuDefault(bool shift)
 {
-    return MenuDefaults()[kItem][shift ? 1 : 0];
+    return MenuDefaults()[kItem][shift];
 }
 
 void CNyrReportView::SetItemBkMenuDefault(unsigned int style, unsigned int shiftStyle)
 {
-    MenuDefaults()[kItemBk][0] = style;
-    MenuDefaults()[kItemBk][1] = shiftStyle;
+    SetStyles(MenuDefaults()[kItemBk], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemBkMenuDefault(bool shift)
 {
-    return MenuDefaults()[kItemBk][shift ? 1 : 0];
+    return MenuDefaults()[kItemBk][shift];
 }
 
 void CNyrReportView::SetGlobalHeaderMenu(QMenu* menu)
@@ -292,10 +289,8 @@ int CNyrReportView::GetAutoRestoreDefault()
 
 void CNyrReportViewPrivate::TakeClassDefaults()
 {
-    for (int kind = 0; kind < 3; ++kind) {
-        menuStyles[kind][0] = MenuDefaults()[kind][0];
-        menuStyles[kind][1] = MenuDefaults()[kind][1];
-    }
+    for (int kind = 0; kind < 3; ++kind)
+        SetStyles(menuStyles[kind], MenuDefaults()[kind][0], MenuDefaults()[kind][1]);
     columnsDlgStyle = ColumnsDlgStyleDefault();
     autoRestore = AutoRestoreDefault();
     serializeSortState = CNyrReportView::GetSerializeSortStateDefault();
