@@ -349,15 +349,7 @@ void CNyrReportView::BuildRealItemContextMenu(CNyrReportViewMenuPopUp& menu, uns
         InsertMenuModify(menu);
     if (style & MenuDelete)
         InsertMenuDelete(menu);
-    if (style & MenuSelect) {
-        menu.AppendSeparator();
-        InsertMenuSelect(menu);
-    }
-    if (style & MenuCheck) {
-        menu.AppendSeparator();
-        InsertMenuCheck(menu);
-    }
-    d->InsertMenuFindSaveAsPrint(menu, style);
+    d->InsertRowMenus(menu, style);
     if (style & MenuGlobal)
         InsertGlobalItemMenu(menu);
 }
@@ -366,19 +358,22 @@ void CNyrReportView::BuildItemBkContextMenu(CNyrReportViewMenuPopUp& menu, bool 
 {
     const unsigned int style = GetItemBkMenu(shift);
     d->menuRealItem = -1;
-    if (style & MenuSelect)
-        InsertMenuSelect(menu);
-    if (style & MenuCheck) {
-        menu.AppendSeparator();
-        InsertMenuCheck(menu);
-    }
-    d->InsertMenuFindSaveAsPrint(menu, style);
+    d->InsertRowMenus(menu, style);
     if (style & MenuGlobal)
         InsertGlobalItemBkMenu(menu);
 }
 
-void CNyrReportViewPrivate::InsertMenuFindSaveAsPrint(CNyrReportViewMenuPopUp& menu, unsigned int style)
+void CNyrReportViewPrivate::InsertRowMenus(CNyrReportViewMenuPopUp& menu, unsigned int style)
 {
+    // A separator at the top of a menu is left out (AppendSeparator).
+    if (style & CNyrReportView::MenuSelect) {
+        menu.AppendSeparator();
+        q->InsertMenuSelect(menu);
+    }
+    if (style & CNyrReportView::MenuCheck) {
+        menu.AppendSeparator();
+        q->InsertMenuCheck(menu);
+    }
     if (style & (CNyrReportView::MenuFind | CNyrReportView::MenuFindNP))
         menu.AppendSeparator();
     if (style & CNyrReportView::MenuFind)

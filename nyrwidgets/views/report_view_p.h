@@ -410,8 +410,9 @@ public:
     void StoreLayoutOnClose();
     int StoreColWidthAndHiddenIn(const std::string& section);
     int StoreColOrderIn(const std::string& section);
-    // Find, find next / previous, save-as and print as the menu style asks.
-    void InsertMenuFindSaveAsPrint(CNyrReportViewMenuPopUp& menu, unsigned int style);
+    // The pieces both item menus offer as the style asks: select, check,
+    // find, find next / previous, save-as and print.
+    void InsertRowMenus(CNyrReportViewMenuPopUp& menu, unsigned int style);
 
     // ---- Commands (report_view_commands.cpp) ----
 
