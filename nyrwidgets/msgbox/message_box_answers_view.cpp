@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -93,10 +94,9 @@ struct CNyrMessageBoxAnswersView::Private
 
     void UpdateAllChecks()
     {
-        filling = true;
+        const QScopedValueRollback guard(filling, true);
         for (int i = 0; i < tree->topLevelItemCount(); ++i)
             UpdateChecks(tree->topLevelItem(i));
-        filling = false;
     }
 };
 
@@ -133,7 +133,7 @@ CNyrMessageBoxAnswersView::~CNyrMessageBoxAnswersView() = default;
 
 void CNyrMessageBoxAnswersView::Refresh()
 {
-    d->filling = true;
+    const QScopedValueRollback guard(d->filling, true);
     d->tree->clear();
     std::string allLabel = CNyrMessageBox::GetSub4Text();
     if (allLabel.empty())

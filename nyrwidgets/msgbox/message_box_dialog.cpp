@@ -59,6 +59,14 @@ struct ButtonSet
     int cancelValue;
 };
 
+// The extended buttons' flags; a flag whose button the set shows already
+// adds nothing. "&Skip" is the Ignore button under another caption, "Skip
+// &all" the Ignore-all button.
+constexpr std::pair<unsigned, unsigned> kExtended[] = {
+    {NYR_MB_OKTOALL, kOkToAll},     {NYR_MB_YESTOALL, kYesToAll}, {NYR_MB_NOTOALL, kNoToAll},
+    {NYR_MB_IGNOREALL, kIgnoreAll}, {NYR_MB_SKIPALL, kIgnoreAll}, {NYR_MB_SKIP, kIgnore},
+};
+
 // The platform's seven sets; styles 7 to 15 fall back to the first.
 constexpr ButtonSet kSets[] = {
     {kOk, NYR_IDOK},
@@ -144,72 +152,16 @@ unsigned nyr::msgbox::CaptionId(int result)
     return 0;
 }
 
-struct CNyrMessageBoxDialog::Private
+nyr::msgbox::ButtonRow nyr::msgbox::ChooseButtons(unsigned style, int defaultValue)
 {
-    std::vector<std::pair<int, QPushButton*>> buttons;  // display order
-    QCheckBox* doNotPrompt = nullptr;                   // null when not offered
-    int defaultResult = NYR_IDOK;
-    int cancelValue = NYR_IDCANCEL;
-};
-
-CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, const char* caption, unsigned style,
-                                           int defaultValue, int offerDoNotPrompt)
-    : QDialog(parent), d(std::make_unique<Private>())
-{
-    setWindowTitle(FromUtf8(caption));
-    setModal(true);
-
     const unsigned setIndex = style & NYR_MB_TYPEMASK;
     const ButtonSet& set = setIndex < std::size(kSets) ? kSets[setIndex] : kSets[0];
-    d->cancelValue = set.cancelValue;
     unsigned kinds = set.kinds;
-    if (style & NYR_MB_OKTOALL)
-        kinds |= kOkToAll;
-    if (style & NYR_MB_YESTOALL)
-        kinds |= kYesToAll;
-    if (style & NYR_MB_NOTOALL)
-        kinds |= kNoToAll;
-    if (style & (NYR_MB_IGNOREALL | NYR_MB_SKIPALL))
-        kinds |= kIgnoreAll;
-    if (style & NYR_MB_SKIP)
-        kinds |= kIgnore;
-
-    auto* top = new QVBoxLayout(this);
-    top->setSizeConstraint(QLayout::SetFixedSize);
-    auto* body = new QHBoxLayout;
-    top->addLayout(body);
-
-    if (const auto pixmap = IconFor(style)) {
-        auto* icon = new QLabel(this);
-        icon->setObjectName("icon");
-        const int size = this->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-        icon->setPixmap(this->style()->standardIcon(*pixmap, nullptr, this).pixmap(size, size));
-        icon->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
-        body->addWidget(icon, 0, Qt::AlignTop);
+    for (const auto& [flag, kind] : kExtended) {
+        if (style & flag)
+            kinds |= kind;
     }
-
-    auto* textColumn = new QVBoxLayout;
-    body->addLayout(textColumn, 1);
-    auto* label = new QLabel(FromUtf8(text), this);
-    label->setObjectName("text");
-    label->setTextFormat(Qt::PlainText);  // a message is never markup
-    label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setMinimumWidth(label->fontMetrics().averageCharWidth() * 40);
-    textColumn->addWidget(label);
-    if (offerDoNotPrompt) {
-        d->doNotPrompt = new QCheckBox(QString::fromStdString(NyrLoadString(kDoNotPromptCaption)), this);
-        d->doNotPrompt->setObjectName("doNotPrompt");
-        textColumn->addSpacing(label->fontMetrics().height() / 2);
-        textColumn->addWidget(d->doNotPrompt);
-    }
-    textColumn->addStretch();
-
-    auto* row = new QHBoxLayout;
-    row->addStretch();
-    top->addLayout(row);
-    int width = 0;
-    QString mnemonics;
+    ButtonRow row{{}, set.cancelValue, 0};
     for (const ButtonKind& kind : kOrder) {
         if (!(kinds & kind.kind))
             continue;
@@ -218,25 +170,103 @@ CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, co
             captionId = kSkipCaption;
         else if (kind.kind == kIgnoreAll && (style & NYR_MB_SKIPALL))
             captionId = kSkipAllCaption;
-        auto* button = new QPushButton(FreeMnemonic(QString::fromStdString(NyrLoadString(captionId)), mnemonics), this);
-        const int result = kind.result;
-        connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
-        row->addWidget(button);
-        d->buttons.emplace_back(result, button);
-        width = std::max(width, button->sizeHint().width());
+        row.buttons.push_back({kind.result, captionId});
     }
-    for (auto& [result, button] : d->buttons)
-        button->setFixedWidth(width);
+    // The remembered answer when the row shows it, else the style's default
+    // button; one beyond the row is the first.
+    const auto remembered = std::find_if(row.buttons.begin(), row.buttons.end(),
+                                         [defaultValue](const ButtonRow::Button& b) { return b.result == defaultValue; });
+    const std::size_t nth = (style & NYR_MB_DEFMASK) >> 8;
+    if (remembered != row.buttons.end())
+        row.defaultIndex = static_cast<std::size_t>(remembered - row.buttons.begin());
+    else
+        row.defaultIndex = nth < row.buttons.size() ? nth : 0;
+    return row;
+}
 
-    auto chosen = std::find_if(d->buttons.begin(), d->buttons.end(),
-                               [defaultValue](const auto& b) { return b.first == defaultValue; });
-    if (chosen == d->buttons.end()) {
-        const std::size_t nth = (style & NYR_MB_DEFMASK) >> 8;
-        chosen = d->buttons.begin() + (nth < d->buttons.size() ? nth : 0);
+struct CNyrMessageBoxDialog::Private
+{
+    std::vector<std::pair<int, QPushButton*>> buttons;  // display order
+    QCheckBox* doNotPrompt = nullptr;                   // null when not offered
+    int defaultResult = NYR_IDOK;
+    int cancelValue = NYR_IDCANCEL;
+
+    // The style's icon, if it names one, at the top left.
+    static void AddIcon(QDialog* dialog, QHBoxLayout* body, unsigned style)
+    {
+        const auto pixmap = IconFor(style);
+        if (!pixmap)
+            return;
+        auto* icon = new QLabel(dialog);
+        icon->setObjectName("icon");
+        const int size = dialog->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, dialog);
+        icon->setPixmap(dialog->style()->standardIcon(*pixmap, nullptr, dialog).pixmap(size, size));
+        icon->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
+        body->addWidget(icon, 0, Qt::AlignTop);
     }
-    d->defaultResult = chosen->first;
-    chosen->second->setDefault(true);
-    chosen->second->setFocus(Qt::OtherFocusReason);
+
+    // The text, never markup, and under it the check box when offered.
+    void AddText(QDialog* dialog, QHBoxLayout* body, const char* text, bool offerDoNotPrompt)
+    {
+        auto* column = new QVBoxLayout;
+        body->addLayout(column, 1);
+        auto* label = new QLabel(FromUtf8(text), dialog);
+        label->setObjectName("text");
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        label->setMinimumWidth(label->fontMetrics().averageCharWidth() * 40);
+        column->addWidget(label);
+        if (offerDoNotPrompt) {
+            doNotPrompt = new QCheckBox(QString::fromStdString(NyrLoadString(kDoNotPromptCaption)), dialog);
+            doNotPrompt->setObjectName("doNotPrompt");
+            column->addSpacing(label->fontMetrics().height() / 2);
+            column->addWidget(doNotPrompt);
+        }
+        column->addStretch();
+    }
+
+    // The row, right-aligned, every button as wide as the widest; the
+    // default button takes the focus.
+    void AddButtons(CNyrMessageBoxDialog* dialog, QVBoxLayout* top, const nyr::msgbox::ButtonRow& row)
+    {
+        auto* line = new QHBoxLayout;
+        line->addStretch();
+        top->addLayout(line);
+        int width = 0;
+        QString mnemonics;
+        for (const nyr::msgbox::ButtonRow::Button& b : row.buttons) {
+            auto* button = new QPushButton(FreeMnemonic(QString::fromStdString(NyrLoadString(b.captionId)), mnemonics),
+                                           dialog);
+            const int result = b.result;
+            QObject::connect(button, &QPushButton::clicked, dialog, [dialog, result] { dialog->done(result); });
+            line->addWidget(button);
+            buttons.emplace_back(result, button);
+            width = std::max(width, button->sizeHint().width());
+        }
+        for (auto& [result, button] : buttons)
+            button->setFixedWidth(width);
+        cancelValue = row.cancelValue;
+        QPushButton* chosen = buttons[row.defaultIndex].second;
+        defaultResult = buttons[row.defaultIndex].first;
+        chosen->setDefault(true);
+        chosen->setFocus(Qt::OtherFocusReason);
+    }
+};
+
+CNyrMessageBoxDialog::CNyrMessageBoxDialog(QWidget* parent, const char* text, const char* caption, unsigned style,
+                                           int defaultValue, int offerDoNotPrompt)
+    : QDialog(parent), d(std::make_unique<Private>())
+{
+    setWindowTitle(FromUtf8(caption));
+    setModal(true);
+    auto* top = new QVBoxLayout(this);
+    top->setSizeConstraint(QLayout::SetFixedSize);
+    auto* body = new QHBoxLayout;
+    top->addLayout(body);
+    Private::AddIcon(this, body, style);
+    d->AddText(this, body, text, offerDoNotPrompt != 0);
+    d->AddButtons(this, top, nyr::msgbox::ChooseButtons(style, defaultValue));
 }
 
 CNyrMessageBoxDialog::~CNyrMessageBoxDialog() = default;

@@ -1,6 +1,5 @@
 #include "nyrwidgets/views/list_view.h"
 
-#include <QAbstractTableModel>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <algorithm>
@@ -18,183 +17,12 @@
 
 namespace {
 
-// The plain list control: columns and rows of texts held by the model.
-class CNyrListCtrlModel : public QAbstractTableModel
-{
-public:
-    struct Column
-    {
-        std::string label;
-        int alignment;
-    };
-    struct Row
-    {
-        std::vector<std::string> texts;  // one per column; shorter when the tail is empty
-        quintptr data = 0;
-        bool checked = false;
-    };
-
-    explicit CNyrListCtrlModel(const CNyrListView* view) : m_view(view) {}
-
-    std::vector<Column> columns;
-    std::vector<Row> rows;
-
-    const std::string& Text(int row, int col) const
-    {
-        static const std::string empty;
-        const auto& texts = rows[static_cast<std::size_t>(row)].texts;
-        return static_cast<std::size_t>(col) < texts.size() ? texts[static_cast<std::size_t>(col)] : empty;
-    }
-
-    int rowCount(const QModelIndex& parent = {}) const override
-    {
-        return parent.isValid() ? 0 : static_cast<int>(rows.size());
-    }
-    int columnCount(const QModelIndex& parent = {}) const override
-    {
-        return parent.isValid() ? 0 : static_cast<int>(columns.size());
-    }
-
-    QVariant data(const QModelIndex& index, int role) const override
-    {
-        if (!index.isValid())
-            return {};
-        switch (role) {
-        case Qt::DisplayRole:
-            return QString::fromStdString(Text(index.row(), index.column()));
-        case Qt::CheckStateRole:
-            if (index.column() == 0 && m_view->HasCheckBoxes())
-                return rows[static_cast<std::size_t>(index.row())].checked ? Qt::Checked : Qt::Unchecked;
-            return {};
-        case Qt::TextAlignmentRole:
-            return static_cast<int>(
-                nyr::views_detail::QtAlignment(columns[static_cast<std::size_t>(index.column())].alignment));
-        default:
-            return {};
-        }
-    }
-
-    bool setData(const QModelIndex& index, const QVariant& value, int role) override
-    {
-        if (!index.isValid() || role != Qt::CheckStateRole)
-            return false;
-        rows[static_cast<std::size_t>(index.row())].checked = value.toInt() == Qt::Checked;
-        emit dataChanged(index, index, {Qt::CheckStateRole});
-        return true;
-    }
-
-    Qt::ItemFlags flags(const QModelIndex& index) const override
-    {
-        if (!index.isValid())
-            return Qt::NoItemFlags;
-        Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-        if (index.column() == 0 && m_view->HasCheckBoxes())
-            f |= Qt::ItemIsUserCheckable;
-        return f;
-    }
-
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override
-    {
-        if (orientation != Qt::Horizontal || section < 0 || section >= columnCount())
-            return {};
-        const Column& c = columns[static_cast<std::size_t>(section)];
-        if (role == Qt::DisplayRole)
-            return QString::fromStdString(c.label);
-        if (role == Qt::TextAlignmentRole)
-            return static_cast<int>(nyr::views_detail::QtAlignment(c.alignment));
-        return {};
-    }
-
-    void InsertColumnAt(int col, Column column)
-    {
-        beginInsertColumns({}, col, col);
-        columns.insert(columns.begin() + col, std::move(column));
-        for (Row& r : rows) {
-            if (static_cast<std::size_t>(col) < r.texts.size())
-                r.texts.insert(r.texts.begin() + col, std::string());
-        }
-        endInsertColumns();
-    }
-
-    void RemoveColumnAt(int col)
-    {
-        beginRemoveColumns({}, col, col);
-        columns.erase(columns.begin() + col);
-        for (Row& r : rows) {
-            if (static_cast<std::size_t>(col) < r.texts.size())
-                r.texts.erase(r.texts.begin() + col);
-        }
-        endRemoveColumns();
-    }
-
-    void InsertRowAt(int row, Row r)
-    {
-        beginInsertRows({}, row, row);
-        rows.insert(rows.begin() + row, std::move(r));
-        endInsertRows();
-    }
-
-    void RemoveRowAt(int row)
-    {
-        beginRemoveRows({}, row, row);
-        rows.erase(rows.begin() + row);
-        endRemoveRows();
-    }
-
-    void RemoveAllRows()
-    {
-        beginResetModel();
-        rows.clear();
-        endResetModel();
-    }
-
-    void CellChanged(int row, int col)
-    {
-        const QModelIndex i = index(row, col);
-        emit dataChanged(i, i, {Qt::DisplayRole});
-    }
-
-    // Puts the rows in the order given (order[newRow] = oldRow); persistent
-    // indexes (selection, focus) follow their rows.
-    void ApplyRowOrder(const std::vector<int>& order)
-    {
-        emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
-        std::vector<int> newRowOf(order.size());
-        std::vector<Row> sorted;
-        sorted.reserve(rows.size());
-        for (std::size_t newRow = 0; newRow < order.size(); ++newRow) {
-            newRowOf[static_cast<std::size_t>(order[newRow])] = static_cast<int>(newRow);
-            sorted.push_back(std::move(rows[static_cast<std::size_t>(order[newRow])]));
-        }
-        rows = std::move(sorted);
-        const QModelIndexList from = persistentIndexList();
-        QModelIndexList to;
-        to.reserve(from.size());
-        for (const QModelIndex& i : from)
-            to.append(index(newRowOf[static_cast<std::size_t>(i.row())], i.column()));
-        changePersistentIndexList(from, to);
-        emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
-    }
-
-private:
-    const CNyrListView* m_view;
-};
-
 bool RowInRange(int row, int count)
 {
     return row >= 0 && row < count;
 }
 
 }  // namespace
-
-Qt::Alignment nyr::views_detail::QtAlignment(int lvcfmt)
-{
-    switch (lvcfmt) {
-    case LVCFMT_RIGHT: return Qt::AlignRight | Qt::AlignVCenter;
-    case LVCFMT_CENTER: return Qt::AlignHCenter | Qt::AlignVCenter;
-    default: return Qt::AlignLeft | Qt::AlignVCenter;
-    }
-}
 
 struct CNyrListView::Private
 {
@@ -452,7 +280,7 @@ void CNyrListView::ShowSortMarks(const std::vector<SORT_STATE_SCREENCOL>& state)
     d->sortState = state;
     std::vector<CNyrHeaderCtrlSort::SORT_COL> marks;
     for (const SORT_STATE_SCREENCOL& s : state) {
-        if (s.screenCol == 0xFFFFFFFFu)
+        if (s.screenCol == NYR_NO_INDEX)
             break;
         if (s.screenCol < static_cast<unsigned int>(model()->columnCount()))
             marks.push_back({static_cast<int>(s.screenCol), s.ascending});
@@ -486,7 +314,7 @@ void CNyrListView::SortList(const std::vector<SORT_STATE_SCREENCOL>& state)
     std::iota(order.begin(), order.end(), 0);
     nyr::NyrSampleSort(order.begin(), order.end(), [this, &state](int a, int b) {
         for (const SORT_STATE_SCREENCOL& s : state) {
-            if (s.screenCol == 0xFFFFFFFFu)
+            if (s.screenCol == NYR_NO_INDEX)
                 break;
             const int r = OnCompareItems(a, b, s.screenCol);
             if (r != 0)

@@ -34,8 +34,8 @@ class NYR_EXPORT CNyrListView : public QTableView
 {
     Q_OBJECT
 public:
-    // One key of a sort state in screen columns. A column of 0xFFFFFFFF ends
-    // the state early wherever it stands.
+    // One key of a sort state in screen columns. A column of NYR_NO_INDEX
+    // ends the state early wherever it stands.
     struct SORT_STATE_SCREENCOL
     {
         unsigned int screenCol = 0;
@@ -143,7 +143,7 @@ public:
     // The view's finder.
     CNyrListViewFind& GetFind();
     // These forward to the finder.
-    void ShowFindDialog(unsigned int screenCol = 0xFFFFFFFFu);
+    void ShowFindDialog(unsigned int screenCol = NYR_NO_INDEX);
     void HideFindDialog();
     int RestoreFindDialog(int activate);
     int FindNext(int forward);

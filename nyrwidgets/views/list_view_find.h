@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "nyr/platform/export.h"
+#include "nyrwidgets/views/list_ctrl.h"
 
 class CNyrListView;
 class CNyrListViewFindDialog;
@@ -59,7 +60,7 @@ public:
     // options stored in the view's settings section) and gives it the
     // keyboard. `screenCol` below the view's column count makes that column
     // the one searched; anything else keeps the criteria's choice.
-    void ShowFindDialog(unsigned int screenCol = 0xFFFFFFFFu);
+    void ShowFindDialog(unsigned int screenCol = NYR_NO_INDEX);
     // Hides an open dialog and remembers that it was open.
     void HideFindDialog();
     // Shows the dialog again when HideFindDialog hid it (with `activate`,

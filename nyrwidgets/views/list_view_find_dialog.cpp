@@ -8,27 +8,19 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QVBoxLayout>
+#include <array>
 
-#include "nyr/frame/resource_module.h"
 #include "nyrwidgets/views/list_view.h"
 #include "nyrwidgets/views/list_view_find.h"
+#include "nyrwidgets/views/views_text_p.h"
+
+using nyr::views_detail::MenuTextAsButton;
+using nyr::views_detail::Text;
+using Crit = CNyrListViewFind::CSearchCrit;
 
 namespace {
-
-QString Text(unsigned int id)
-{
-    return QString::fromStdString(NyrLoadString(id));
-}
-
-// A menu text as a button text: without its shortcut and trailing dots.
-QString ButtonText(unsigned int id)
-{
-    QString text = Text(id).section(QLatin1Char('\t'), 0, 0);
-    while (text.endsWith(QLatin1Char('.')))
-        text.chop(1);
-    return text;
-}
 
 // The dialog's own labels in the text table.
 constexpr unsigned int kFindWhat = 26295, kInColumn = 26296, kMatchWord = 26297, kMatchCase = 26298,
@@ -50,7 +42,103 @@ struct CNyrListViewFindDialog::Private
     QPushButton* addToSelection = nullptr;
     QPushButton* checkAll = nullptr;
     QPushButton* addToChecked = nullptr;
+    QPushButton* close = nullptr;
     bool updating = false;  // set while the controls are filled from the criteria
+
+    // The buttons down the right side, in order.
+    std::array<QPushButton*, 6> Buttons() const
+    {
+        return {findNext, findPrev, selectAll, addToSelection, checkAll, addToChecked};
+    }
+
+    void CreateControls(QDialog* dialog)
+    {
+        search = new QLineEdit(dialog);
+        column = new QComboBox(dialog);
+        matchWord = new QCheckBox(Text(kMatchWord), dialog);
+        matchCase = new QCheckBox(Text(kMatchCase), dialog);
+        fromBeginning = new QCheckBox(Text(kFromBeginning), dialog);
+        findNext = new QPushButton(MenuTextAsButton(26033), dialog);
+        findPrev = new QPushButton(MenuTextAsButton(26034), dialog);
+        selectAll = new QPushButton(MenuTextAsButton(26035), dialog);
+        addToSelection = new QPushButton(Text(kAddToSelection), dialog);
+        checkAll = new QPushButton(MenuTextAsButton(26038), dialog);
+        addToChecked = new QPushButton(Text(kAddToChecked), dialog);
+        close = new QPushButton(Text(56124), dialog);
+        findNext->setDefault(true);
+        findNext->setAutoDefault(true);
+    }
+
+    // The search text and column with their labels over the options on the
+    // left; the buttons down the right, Close at the bottom.
+    void LayOut(QDialog* dialog)
+    {
+        auto* fields = new QGridLayout;
+        auto* searchLabel = new QLabel(Text(kFindWhat), dialog);
+        searchLabel->setBuddy(search);
+        auto* columnLabel = new QLabel(Text(kInColumn), dialog);
+        columnLabel->setBuddy(column);
+        fields->addWidget(searchLabel, 0, 0);
+        fields->addWidget(search, 0, 1);
+        fields->addWidget(columnLabel, 1, 0);
+        fields->addWidget(column, 1, 1);
+        auto* left = new QVBoxLayout;
+        left->addLayout(fields);
+        for (QCheckBox* box : {matchWord, matchCase, fromBeginning})
+            left->addWidget(box);
+        left->addStretch();
+        auto* right = new QVBoxLayout;
+        for (QPushButton* b : Buttons())
+            right->addWidget(b);
+        right->addStretch();
+        right->addWidget(close);
+        auto* layout = new QHBoxLayout(dialog);
+        layout->addLayout(left, 1);
+        layout->addLayout(right);
+    }
+
+    // Every change of a control goes to the criteria at once.
+    void ConnectCriteria(CNyrListViewFindDialog* dialog)
+    {
+        QObject::connect(search, &QLineEdit::textChanged, dialog, [this, dialog](const QString& text) {
+            if (!updating)
+                CNyrListViewFind::StaticSearchCrit().searchString = text.toStdString();
+            dialog->EnableButtons();
+        });
+        QObject::connect(column, &QComboBox::currentIndexChanged, dialog, [this] {
+            if (updating || column->currentIndex() < 0)
+                return;
+            Crit& crit = CNyrListViewFind::StaticSearchCrit();
+            const int col = column->currentData().toInt();
+            crit.searchAll = col < 0 ? 1 : 0;
+            if (col >= 0)
+                crit.column = col;
+        });
+        const auto flag = [this, dialog](QCheckBox* box, int Crit::*field) {
+            QObject::connect(box, &QCheckBox::toggled, dialog, [this, field](bool on) {
+                if (!updating)
+                    CNyrListViewFind::StaticSearchCrit().*field = on ? 1 : 0;
+            });
+        };
+        flag(matchWord, &Crit::matchWord);
+        flag(matchCase, &Crit::matchCase);
+        flag(fromBeginning, &Crit::searchFromBeginning);
+    }
+
+    // The column choice: all columns, then the view's in display order.
+    void FillColumns(const CNyrListView* view)
+    {
+        column->clear();
+        column->addItem(Text(26008), -1);
+        if (!view)
+            return;
+        std::vector<std::pair<int, int>> byOrder;  // (display position, screen column)
+        for (int c = 0; c < view->GetColumnCount(); ++c)
+            byOrder.emplace_back(view->GetColumnOrder(c), c);
+        std::sort(byOrder.begin(), byOrder.end());
+        for (const auto& [order, c] : byOrder)
+            column->addItem(QString::fromStdString(view->GetColumnLabel(c)), c);
+    }
 };
 
 CNyrListViewFindDialog::CNyrListViewFindDialog(CNyrListViewFind* finder, QWidget* parent)
@@ -58,78 +146,16 @@ CNyrListViewFindDialog::CNyrListViewFindDialog(CNyrListViewFind* finder, QWidget
 {
     setWindowTitle(Text(56122));
     setModal(false);
-
-    d->search = new QLineEdit(this);
-    d->column = new QComboBox(this);
-    d->matchWord = new QCheckBox(Text(kMatchWord), this);
-    d->matchCase = new QCheckBox(Text(kMatchCase), this);
-    d->fromBeginning = new QCheckBox(Text(kFromBeginning), this);
-    d->findNext = new QPushButton(ButtonText(26033), this);
-    d->findPrev = new QPushButton(ButtonText(26034), this);
-    d->selectAll = new QPushButton(ButtonText(26035), this);
-    d->addToSelection = new QPushButton(Text(kAddToSelection), this);
-    d->checkAll = new QPushButton(ButtonText(26038), this);
-    d->addToChecked = new QPushButton(Text(kAddToChecked), this);
-    auto* close = new QPushButton(Text(56124), this);
-    d->findNext->setDefault(true);
-    d->findNext->setAutoDefault(true);
-
-    auto* fields = new QGridLayout;
-    auto* searchLabel = new QLabel(Text(kFindWhat), this);
-    searchLabel->setBuddy(d->search);
-    auto* columnLabel = new QLabel(Text(kInColumn), this);
-    columnLabel->setBuddy(d->column);
-    fields->addWidget(searchLabel, 0, 0);
-    fields->addWidget(d->search, 0, 1);
-    fields->addWidget(columnLabel, 1, 0);
-    fields->addWidget(d->column, 1, 1);
-    auto* left = new QVBoxLayout;
-    left->addLayout(fields);
-    left->addWidget(d->matchWord);
-    left->addWidget(d->matchCase);
-    left->addWidget(d->fromBeginning);
-    left->addStretch();
-    auto* right = new QVBoxLayout;
-    for (QPushButton* b : {d->findNext, d->findPrev, d->selectAll, d->addToSelection, d->checkAll, d->addToChecked})
-        right->addWidget(b);
-    right->addStretch();
-    right->addWidget(close);
-    auto* layout = new QHBoxLayout(this);
-    layout->addLayout(left, 1);
-    layout->addLayout(right);
-
-    // Every change goes to the criteria at once.
-    connect(d->search, &QLineEdit::textChanged, this, [this](const QString& text) {
-        if (!d->updating)
-            CNyrListViewFind::StaticSearchCrit().searchString = text.toStdString();
-        EnableButtons();
-    });
-    connect(d->column, &QComboBox::currentIndexChanged, this, [this] {
-        if (d->updating || d->column->currentIndex() < 0)
-            return;
-        CNyrListViewFind::CSearchCrit& crit = CNyrListViewFind::StaticSearchCrit();
-        const int col = d->column->currentData().toInt();
-        crit.searchAll = col < 0 ? 1 : 0;
-        if (col >= 0)
-            crit.column = col;
-    });
-    const auto flag = [this](QCheckBox* box, int CNyrListViewFind::CSearchCrit::*field) {
-        connect(box, &QCheckBox::toggled, this, [this, field](bool on) {
-            if (!d->updating)
-                CNyrListViewFind::StaticSearchCrit().*field = on ? 1 : 0;
-        });
-    };
-    flag(d->matchWord, &CNyrListViewFind::CSearchCrit::matchWord);
-    flag(d->matchCase, &CNyrListViewFind::CSearchCrit::matchCase);
-    flag(d->fromBeginning, &CNyrListViewFind::CSearchCrit::searchFromBeginning);
+    d->CreateControls(this);
+    d->LayOut(this);
+    d->ConnectCriteria(this);
     connect(d->findNext, &QPushButton::clicked, this, &CNyrListViewFindDialog::OnFindNextClicked);
     connect(d->findPrev, &QPushButton::clicked, this, &CNyrListViewFindDialog::OnFindPrevClicked);
     connect(d->selectAll, &QPushButton::clicked, this, &CNyrListViewFindDialog::OnSelectAllClicked);
     connect(d->addToSelection, &QPushButton::clicked, this, &CNyrListViewFindDialog::OnAddToSelectionClicked);
     connect(d->checkAll, &QPushButton::clicked, this, &CNyrListViewFindDialog::OnCheckAllClicked);
     connect(d->addToChecked, &QPushButton::clicked, this, &CNyrListViewFindDialog::OnAddToCheckedClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::reject);
-
+    connect(d->close, &QPushButton::clicked, this, &QDialog::reject);
     UpdateControls();
 }
 
@@ -137,28 +163,20 @@ CNyrListViewFindDialog::~CNyrListViewFindDialog() = default;
 
 void CNyrListViewFindDialog::UpdateControls()
 {
-    CNyrListViewFind::CSearchCrit& crit = CNyrListViewFind::StaticSearchCrit();
+    Crit& crit = CNyrListViewFind::StaticSearchCrit();
     const CNyrListView* view = d->finder->GetListView();
-    d->updating = true;
-    if (d->search->text().toStdString() != crit.searchString)
-        d->search->setText(QString::fromStdString(crit.searchString));
-    d->column->clear();
-    d->column->addItem(Text(26008), -1);
-    if (view) {
-        // The columns as the user sees them: in display order.
-        std::vector<std::pair<int, int>> byOrder;  // (display position, screen column)
-        for (int c = 0; c < view->GetColumnCount(); ++c)
-            byOrder.emplace_back(view->GetColumnOrder(c), c);
-        std::sort(byOrder.begin(), byOrder.end());
-        for (const auto& [order, c] : byOrder)
-            d->column->addItem(QString::fromStdString(view->GetColumnLabel(c)), c);
+    int choice;
+    {
+        const QScopedValueRollback filling(d->updating, true);
+        if (d->search->text().toStdString() != crit.searchString)
+            d->search->setText(QString::fromStdString(crit.searchString));
+        d->FillColumns(view);
+        choice = crit.searchAll || crit.column < 0 ? 0 : d->column->findData(crit.column);
+        d->column->setCurrentIndex(std::max(choice, 0));
+        d->matchWord->setChecked(crit.matchWord != 0);
+        d->matchCase->setChecked(crit.matchCase != 0);
+        d->fromBeginning->setChecked(crit.searchFromBeginning != 0);
     }
-    const int choice = crit.searchAll || crit.column < 0 ? 0 : d->column->findData(crit.column);
-    d->column->setCurrentIndex(std::max(choice, 0));
-    d->matchWord->setChecked(crit.matchWord != 0);
-    d->matchCase->setChecked(crit.matchCase != 0);
-    d->fromBeginning->setChecked(crit.searchFromBeginning != 0);
-    d->updating = false;
     // A column no longer on screen: the dialog shows all columns, and the
     // criteria follow what it shows.
     if (choice < 0)
@@ -172,7 +190,7 @@ void CNyrListViewFindDialog::UpdateControls()
 void CNyrListViewFindDialog::EnableButtons()
 {
     const bool any = !d->search->text().isEmpty() && d->finder->GetListView();
-    for (QPushButton* b : {d->findNext, d->findPrev, d->selectAll, d->addToSelection, d->checkAll, d->addToChecked})
+    for (QPushButton* b : d->Buttons())
         b->setEnabled(any);
 }
 

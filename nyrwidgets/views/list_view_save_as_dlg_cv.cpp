@@ -25,11 +25,15 @@
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
 #include "nyrwidgets/views/list_view.h"
+#include "nyrwidgets/views/views_text_p.h"
+
+using nyr::views_detail::Text;
 
 namespace {
 
@@ -43,29 +47,12 @@ constexpr std::size_t kMaxLabel = 260;
 // Bytes gathered before a write to the file.
 constexpr std::size_t kWriteChunk = 1 << 20;
 
-QString Text(unsigned int id)
-{
-    return QString::fromStdString(NyrLoadString(id));
-}
-
-// The white space of the C locale; bytes of multibyte characters (0x80 and
-// up) never count as space.
-bool IsSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-// Trims `text`, replaces the delimiter inside it and appends it to `line`.
+// Trims `text` (bytes of multibyte characters never count as blanks),
+// replaces the delimiter inside it and appends it to `line`.
 void AppendCell(std::string& line, const std::string& text, char delimiter, char replacement)
 {
-    std::size_t begin = 0;
-    std::size_t end = text.size();
-    while (begin < end && IsSpace(text[begin]))
-        ++begin;
-    while (end > begin && IsSpace(text[end - 1]))
-        --end;
     const std::size_t start = line.size();
-    line.append(text, begin, end - begin);
+    line.append(nyr::ascii::Trimmed(text));
     if (delimiter == '\0')
         return;
     // Cells are short: a plain loop beats a search call per cell.
@@ -182,10 +169,12 @@ struct CNyrListViewSaveAsDlgCV::Private
     SAVE_AS_INFO* info;
     std::vector<FileTypeEntry> types = FileTypes();
     QLineEdit* fileName = nullptr;
+    QToolButton* browse = nullptr;
     QComboBox* fileType = nullptr;
     QCheckBox* header = nullptr;
     QGroupBox* rows = nullptr;
     QRadioButton* saveWhat[3] = {};
+    QDialogButtonBox* buttons = nullptr;
 
     QString Extension(int type) const
     {
@@ -195,60 +184,72 @@ struct CNyrListViewSaveAsDlgCV::Private
         }
         return {};
     }
+
+    void CreateControls(QDialog* dialog)
+    {
+        fileName = new QLineEdit(dialog);
+        browse = new QToolButton(dialog);
+        browse->setText(QStringLiteral("..."));
+        browse->setToolTip(Text(56118));
+        fileType = new QComboBox(dialog);
+        for (const FileTypeEntry& t : types)
+            fileType->addItem(t.description, t.type);
+        header = new QCheckBox(Text(26243), dialog);
+        rows = new QGroupBox(dialog);
+        auto* rowsLayout = new QHBoxLayout(rows);
+        auto* group = new QButtonGroup(dialog);
+        for (int i = 0; i < 3; ++i) {
+            saveWhat[i] = new QRadioButton(Text(26047 + static_cast<unsigned int>(i)), rows);
+            group->addButton(saveWhat[i], i);
+            rowsLayout->addWidget(saveWhat[i]);
+        }
+        buttons = new QDialogButtonBox(dialog);
+        buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
+        buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
+    }
+
+    // Name and browse button, type, header, rows, OK and Cancel: one grid.
+    void LayOut(QDialog* dialog)
+    {
+        auto* nameLabel = new QLabel(Text(26069), dialog);
+        nameLabel->setBuddy(fileName);
+        auto* typeLabel = new QLabel(Text(26070), dialog);
+        typeLabel->setBuddy(fileType);
+        auto* grid = new QGridLayout(dialog);
+        grid->addWidget(nameLabel, 0, 0);
+        grid->addWidget(fileName, 0, 1);
+        grid->addWidget(browse, 0, 2);
+        grid->addWidget(typeLabel, 1, 0);
+        grid->addWidget(fileType, 1, 1, 1, 2);
+        grid->addWidget(header, 2, 1, 1, 2);
+        grid->addWidget(rows, 3, 0, 1, 3);
+        grid->addWidget(buttons, 4, 0, 1, 3);
+    }
+
+    // A name that ends in one of the types' extensions follows the type.
+    void TypeChanged()
+    {
+        const QString name = fileName->text();
+        const QString extension = Extension(fileType->currentData().toInt());
+        for (const FileTypeEntry& t : types) {
+            if (!t.extension.isEmpty() && name.endsWith(t.extension, Qt::CaseInsensitive)) {
+                fileName->setText(name.left(name.size() - t.extension.size()) + extension);
+                break;
+            }
+        }
+    }
 };
 
 CNyrListViewSaveAsDlgCV::CNyrListViewSaveAsDlgCV(SAVE_AS_INFO& info, QWidget* parent)
     : QDialog(parent), d(new Private{&info})
 {
     setWindowTitle(Text(26242));
-    d->fileName = new QLineEdit(this);
-    auto* browse = new QToolButton(this);
-    browse->setText(QStringLiteral("..."));
-    browse->setToolTip(Text(56118));
-    d->fileType = new QComboBox(this);
-    for (const FileTypeEntry& t : d->types)
-        d->fileType->addItem(t.description, t.type);
-    d->header = new QCheckBox(Text(26243), this);
-    d->rows = new QGroupBox(this);
-    auto* rowsLayout = new QHBoxLayout(d->rows);
-    auto* group = new QButtonGroup(this);
-    for (int i = 0; i < 3; ++i) {
-        d->saveWhat[i] = new QRadioButton(Text(26047 + static_cast<unsigned int>(i)), d->rows);
-        group->addButton(d->saveWhat[i], i);
-        rowsLayout->addWidget(d->saveWhat[i]);
-    }
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
-
-    auto* nameLabel = new QLabel(Text(26069), this);
-    nameLabel->setBuddy(d->fileName);
-    auto* typeLabel = new QLabel(Text(26070), this);
-    typeLabel->setBuddy(d->fileType);
-    auto* grid = new QGridLayout(this);
-    grid->addWidget(nameLabel, 0, 0);
-    grid->addWidget(d->fileName, 0, 1);
-    grid->addWidget(browse, 0, 2);
-    grid->addWidget(typeLabel, 1, 0);
-    grid->addWidget(d->fileType, 1, 1, 1, 2);
-    grid->addWidget(d->header, 2, 1, 1, 2);
-    grid->addWidget(d->rows, 3, 0, 1, 3);
-    grid->addWidget(buttons, 4, 0, 1, 3);
-
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(browse, &QToolButton::clicked, this, &CNyrListViewSaveAsDlgCV::Browse);
-    // A name that ends in one of the types' extensions follows the type.
-    connect(d->fileType, &QComboBox::currentIndexChanged, this, [this] {
-        const QString name = d->fileName->text();
-        const QString extension = d->Extension(d->fileType->currentData().toInt());
-        for (const FileTypeEntry& t : d->types) {
-            if (!t.extension.isEmpty() && name.endsWith(t.extension, Qt::CaseInsensitive)) {
-                d->fileName->setText(name.left(name.size() - t.extension.size()) + extension);
-                break;
-            }
-        }
-    });
+    d->CreateControls(this);
+    d->LayOut(this);
+    connect(d->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(d->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(d->browse, &QToolButton::clicked, this, &CNyrListViewSaveAsDlgCV::Browse);
+    connect(d->fileType, &QComboBox::currentIndexChanged, this, [this] { d->TypeChanged(); });
     InfoToControls();
 }
 

@@ -12,6 +12,7 @@ class CNyrInputControl;
 class CNyrReportViewCol;
 class CNyrReportViewItem;
 class CNyrReportViewMenuPopUp;
+class CNyrReportViewPrivate;
 class QMenu;
 
 // A multi-column report over a model of real items and real columns.
@@ -67,7 +68,7 @@ class NYR_EXPORT CNyrReportView : public CNyrListView
 {
     Q_OBJECT
 public:
-    // One key of a sort state. realCol 0xFFFFFFFF ends the state early.
+    // One key of a sort state. realCol NYR_NO_INDEX ends the state early.
     struct SORT_STATE_REALCOL
     {
         unsigned int realCol = 0;
@@ -77,7 +78,7 @@ public:
     // Both indexes of an item, for operations that need the two.
     struct COMPLETE_ITEM
     {
-        unsigned int realItem = 0xFFFFFFFFu;
+        unsigned int realItem = NYR_NO_INDEX;
         int screenItem = -1;  // -1 while the item is not on screen
         CNyrReportViewItem* item = nullptr;
     };
@@ -127,13 +128,10 @@ public:
     explicit CNyrReportView(QWidget* parent = nullptr);
     ~CNyrReportView() override;
 
-    // The view's private parts (report_view_p.h).
-    struct Private;
-
     // ---- Columns ----
 
     // Adds a column (the view takes ownership and becomes its owner); it
-    // shows at once unless hidden. Returns its real index; 0xFFFFFFFF (and
+    // shows at once unless hidden. Returns its real index; NYR_NO_INDEX (and
     // nothing happens) for null or a column the view holds already.
     unsigned int AddRealCol(CNyrReportViewCol* col);
     // Adds one column per label. The optional parallel widths (pixels),
@@ -189,7 +187,7 @@ public:
 
     // Adds an item to the model only (it shows with the next
     // DisplayRealItems); the view takes ownership. Returns its real index;
-    // 0xFFFFFFFF (and nothing happens) for null or an item that already
+    // NYR_NO_INDEX (and nothing happens) for null or an item that already
     // belongs to a view.
     unsigned int AddRealItem(CNyrReportViewItem* item);
     // Adds an item and, when `display` is set, shows it at its sorted place
@@ -582,22 +580,7 @@ protected:
     void keyPressEvent(QKeyEvent* e) override;
 
 private:
-    friend class CNyrReportViewCol;
-    friend class CNyrReportViewModel;
-    friend class CNyrReportViewDelegate;
-    std::unique_ptr<Private> d;
-
-    // Stores the serialised column layout into the section the view had as
-    // it went live (nothing for a view that never did).
-    void StoreLayoutOnClose();
-    int StoreColWidthAndHiddenIn(const std::string& section);
-    int StoreColOrderIn(const std::string& section);
-    // Called by a column whose label, alignment or width changed.
-    void OnRealColChanged(const CNyrReportViewCol* col, bool width);
-    // Handles a command message; false for one the view does not know.
-    bool OnCommand(unsigned int message);
-    // Find, find next / previous and save-as as the menu style asks.
-    void InsertMenuFindAndSaveAs(CNyrReportViewMenuPopUp& menu, unsigned int style);
-    // The sort commands of the header menu on its column.
-    bool SortByMenuColumn(unsigned int message);
+    // The view's parts (report_view_p.h): the one class that reaches inside.
+    friend class CNyrReportViewPrivate;
+    std::unique_ptr<CNyrReportViewPrivate> d;
 };

@@ -2,7 +2,18 @@
 
 #include <QMenu>
 
-#include "nyrwidgets/views/report_view.h"
+#include "nyrwidgets/views/report_view_p.h"
+
+namespace {
+
+// A column on screen shows a change of its label, alignment or width at once.
+void TellOwner(const CNyrReportViewCol& col, bool width)
+{
+    if (col.Owner() && col.IsVisible())
+        CNyrReportViewPrivate::Of(*col.Owner()).OnColumnChanged(col, width);
+}
+
+}  // namespace
 
 CNyrReportViewCol::CNyrReportViewCol(CNyrReportView* owner, int hidden, std::string label, int alignment, int width,
                                      QMenu* menu, int subMenuPos)
@@ -47,8 +58,7 @@ void CNyrReportViewCol::SetLabel(const std::string& label)
     if (label == m_label)
         return;
     m_label = label;
-    if (m_owner && IsVisible())
-        m_owner->OnRealColChanged(this, false);
+    TellOwner(*this, false);
 }
 
 void CNyrReportViewCol::SetAlignment(int alignment)
@@ -56,8 +66,7 @@ void CNyrReportViewCol::SetAlignment(int alignment)
     if (alignment == m_alignment)
         return;
     m_alignment = alignment;
-    if (m_owner && IsVisible())
-        m_owner->OnRealColChanged(this, false);
+    TellOwner(*this, false);
 }
 
 void CNyrReportViewCol::SetWidth(int width)
@@ -65,8 +74,7 @@ void CNyrReportViewCol::SetWidth(int width)
     if (width == m_width)
         return;
     m_width = width;
-    if (m_owner && IsVisible())
-        m_owner->OnRealColChanged(this, true);
+    TellOwner(*this, true);
 }
 
 QMenu* CNyrReportViewCol::GetMenu(int* subMenuPos) const

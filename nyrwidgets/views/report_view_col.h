@@ -7,6 +7,7 @@
 #include "nyrwidgets/views/list_ctrl.h"
 
 class CNyrReportView;
+class CNyrReportViewPrivate;
 class QMenu;
 
 // One real column of a report view. The view owns it once added
@@ -76,7 +77,9 @@ public:
     virtual int OnDeleteCol();
 
 private:
-    friend class CNyrReportView;
+    // The owning view's parts adopt the column and keep the width the user
+    // dragged on screen and the default order (report_view_p.h).
+    friend class CNyrReportViewPrivate;
 
     CNyrReportView* m_owner;
     bool m_hidden;

@@ -5,15 +5,18 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSpinBox>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "nyr/frame/resource_module.h"
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_col.h"
+#include "nyrwidgets/views/views_text_p.h"
+
+using nyr::views_detail::Text;
 
 namespace {
 
@@ -21,11 +24,6 @@ constexpr int kLabelColumn = 0;
 constexpr int kWidthColumn = 1;
 constexpr int kMaxWidth = 32767;
 constexpr int kRealColRole = Qt::UserRole + 1;
-
-QString Text(unsigned int id)
-{
-    return QString::fromStdString(NyrLoadString(id));
-}
 
 // The dialog's own labels in the text table.
 constexpr unsigned int kWidthHeading = 26302, kMoveUp = 26303, kMoveDown = 26304, kDefaults = 26305,
@@ -45,6 +43,27 @@ public:
     }
 };
 
+// The view's columns as the dialog lists them first: the visible ones by
+// display position, then the hidden ones in real order.
+std::vector<CNyrReportViewColumnsDlg::COLUMN> ColumnsOnScreen(const CNyrReportView& view)
+{
+    std::vector<CNyrReportViewColumnsDlg::COLUMN> columns;
+    std::vector<std::pair<int, unsigned int>> shown;  // (display position, real column)
+    for (unsigned int c = 0; c < view.GetRealColumns(); ++c) {
+        if (view.GetRealCol(c)->IsVisible())
+            shown.emplace_back(view.GetColumnOrder(view.ScreenColFromReal(c)), c);
+    }
+    std::sort(shown.begin(), shown.end());
+    for (const auto& [position, c] : shown)
+        columns.push_back({c, true, view.horizontalHeader()->sectionSize(view.ScreenColFromReal(c))});
+    for (unsigned int c = 0; c < view.GetRealColumns(); ++c) {
+        const CNyrReportViewCol* col = view.GetRealCol(c);
+        if (col->IsHidden() && !col->IsDeleted())
+            columns.push_back({c, false, col->GetWidth()});
+    }
+    return columns;
+}
+
 }  // namespace
 
 struct CNyrReportViewColumnsDlg::Private
@@ -57,7 +76,51 @@ struct CNyrReportViewColumnsDlg::Private
     QPushButton* down = nullptr;
     QPushButton* defaults = nullptr;
     QPushButton* ok = nullptr;
-    bool updating = false;
+    QDialogButtonBox* buttons = nullptr;
+    bool updating = false;  // set while rows are filled or moved: their changes are not the user's
+
+    void CreateControls(QDialog* dialog)
+    {
+        all = new QCheckBox(Text(26008), dialog);
+        all->setTristate(true);
+        all->setEnabled(style & CNyrReportView::ColumnsDlgVisibility);
+        list = new QTableWidget(0, 2, dialog);
+        list->setHorizontalHeaderLabels({Text(kColumnHeading), Text(kWidthHeading)});
+        list->horizontalHeader()->setSectionResizeMode(kLabelColumn, QHeaderView::Stretch);
+        list->verticalHeader()->hide();
+        list->setSelectionBehavior(QAbstractItemView::SelectRows);
+        list->setSelectionMode(QAbstractItemView::SingleSelection);
+        list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                              QAbstractItemView::AnyKeyPressed);
+        list->setItemDelegateForColumn(kWidthColumn, new WidthDelegate(list));
+        up = new QPushButton(Text(kMoveUp), dialog);
+        down = new QPushButton(Text(kMoveDown), dialog);
+        defaults = new QPushButton(Text(kDefaults), dialog);
+        up->setVisible(style & CNyrReportView::ColumnsDlgOrder);
+        down->setVisible(style & CNyrReportView::ColumnsDlgOrder);
+        defaults->setVisible(style & CNyrReportView::ColumnsDlgDefaults);
+        buttons = new QDialogButtonBox(dialog);
+        ok = buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
+        buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
+    }
+
+    // "[All columns]" on top, the list with the move and defaults buttons
+    // beside it, OK and Cancel below.
+    void LayOut(QDialog* dialog)
+    {
+        auto* side = new QVBoxLayout;
+        side->addWidget(up);
+        side->addWidget(down);
+        side->addStretch();
+        side->addWidget(defaults);
+        auto* middle = new QHBoxLayout;
+        middle->addWidget(list, 1);
+        middle->addLayout(side);
+        auto* layout = new QVBoxLayout(dialog);
+        layout->addWidget(all);
+        layout->addLayout(middle, 1);
+        layout->addWidget(buttons);
+    }
 
     void AddRow(const CNyrReportViewCol* col, unsigned int realCol, bool visible, int width)
     {
@@ -77,87 +140,36 @@ struct CNyrReportViewColumnsDlg::Private
         list->setItem(row, kLabelColumn, label);
         list->setItem(row, kWidthColumn, size);
     }
+
+    // A click on "[All columns]", partly checked or not, checks or clears all.
+    void CheckAll()
+    {
+        const Qt::CheckState state = all->checkState() == Qt::Unchecked ? Qt::Unchecked : Qt::Checked;
+        const QScopedValueRollback filling(updating, true);
+        for (int r = 0; r < list->rowCount(); ++r)
+            list->item(r, kLabelColumn)->setCheckState(state);
+    }
 };
 
 CNyrReportViewColumnsDlg::CNyrReportViewColumnsDlg(CNyrReportView* view, QWidget* parent)
     : QDialog(parent ? parent : view), d(new Private{view})
 {
     d->style = view ? view->GetColumnsDlgStyle() : 0;
-    QString title = Text(26043).remove(QLatin1Char('&'));
-    while (title.endsWith(QLatin1Char('.')))
-        title.chop(1);
-    setWindowTitle(title);
-
-    d->all = new QCheckBox(Text(26008), this);
-    d->all->setTristate(true);
-    d->all->setEnabled(d->style & CNyrReportView::ColumnsDlgVisibility);
-    d->list = new QTableWidget(0, 2, this);
-    d->list->setHorizontalHeaderLabels({Text(kColumnHeading), Text(kWidthHeading)});
-    d->list->horizontalHeader()->setSectionResizeMode(kLabelColumn, QHeaderView::Stretch);
-    d->list->verticalHeader()->hide();
-    d->list->setSelectionBehavior(QAbstractItemView::SelectRows);
-    d->list->setSelectionMode(QAbstractItemView::SingleSelection);
-    d->list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
-                             QAbstractItemView::AnyKeyPressed);
-    d->list->setItemDelegateForColumn(kWidthColumn, new WidthDelegate(d->list));
-    d->up = new QPushButton(Text(kMoveUp), this);
-    d->down = new QPushButton(Text(kMoveDown), this);
-    d->defaults = new QPushButton(Text(kDefaults), this);
-    d->up->setVisible(d->style & CNyrReportView::ColumnsDlgOrder);
-    d->down->setVisible(d->style & CNyrReportView::ColumnsDlgOrder);
-    d->defaults->setVisible(d->style & CNyrReportView::ColumnsDlgDefaults);
-    auto* buttons = new QDialogButtonBox(this);
-    d->ok = buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
-
-    auto* side = new QVBoxLayout;
-    side->addWidget(d->up);
-    side->addWidget(d->down);
-    side->addStretch();
-    side->addWidget(d->defaults);
-    auto* middle = new QHBoxLayout;
-    middle->addWidget(d->list, 1);
-    middle->addLayout(side);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(d->all);
-    layout->addLayout(middle, 1);
-    layout->addWidget(buttons);
-
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    setWindowTitle(QString::fromStdString(nyr::views_detail::MenuTextAsTitle(26043)));
+    d->CreateControls(this);
+    d->LayOut(this);
+    connect(d->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(d->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(d->up, &QPushButton::clicked, this, &CNyrReportViewColumnsDlg::MoveUp);
     connect(d->down, &QPushButton::clicked, this, &CNyrReportViewColumnsDlg::MoveDown);
     connect(d->defaults, &QPushButton::clicked, this, &CNyrReportViewColumnsDlg::SetDefaults);
     connect(d->list, &QTableWidget::itemChanged, this, [this] { UpdateStates(); });
     connect(d->list, &QTableWidget::currentCellChanged, this, [this] { UpdateStates(); });
     connect(d->all, &QCheckBox::clicked, this, [this] {
-        // A click on a partly checked box checks all.
-        const Qt::CheckState state = d->all->checkState() == Qt::Unchecked ? Qt::Unchecked : Qt::Checked;
-        d->updating = true;
-        for (int r = 0; r < d->list->rowCount(); ++r)
-            d->list->item(r, kLabelColumn)->setCheckState(state);
-        d->updating = false;
+        d->CheckAll();
         UpdateStates();
     });
-
-    // The columns in the order they show: visible ones by display position,
-    // then hidden ones in real order.
-    std::vector<COLUMN> columns;
-    std::vector<std::pair<int, unsigned int>> shown;  // (display position, real column)
-    for (unsigned int c = 0; view && c < view->GetRealColumns(); ++c) {
-        const CNyrReportViewCol* col = view->GetRealCol(c);
-        if (col->IsVisible())
-            shown.emplace_back(view->GetColumnOrder(view->ScreenColFromReal(c)), c);
-    }
-    std::sort(shown.begin(), shown.end());
-    for (const auto& [position, c] : shown)
-        columns.push_back({c, true, view->horizontalHeader()->sectionSize(view->ScreenColFromReal(c))});
-    for (unsigned int c = 0; view && c < view->GetRealColumns(); ++c) {
-        const CNyrReportViewCol* col = view->GetRealCol(c);
-        if (col->IsHidden() && !col->IsDeleted())
-            columns.push_back({c, false, col->GetWidth()});
-    }
-    SetColumns(columns);
+    SetColumns(view ? ColumnsOnScreen(*view) : std::vector<COLUMN>());
     resize(360, 360);
 }
 
@@ -176,14 +188,15 @@ std::vector<CNyrReportViewColumnsDlg::COLUMN> CNyrReportViewColumnsDlg::GetColum
 
 void CNyrReportViewColumnsDlg::SetColumns(const std::vector<COLUMN>& columns)
 {
-    d->updating = true;
-    d->list->setRowCount(0);
-    for (const COLUMN& c : columns) {
-        const CNyrReportViewCol* col = d->view ? d->view->GetRealCol(c.realCol) : nullptr;
-        if (col && !col->IsDeleted())
-            d->AddRow(col, c.realCol, c.visible, std::clamp(c.width, 0, kMaxWidth));
+    {
+        const QScopedValueRollback filling(d->updating, true);
+        d->list->setRowCount(0);
+        for (const COLUMN& c : columns) {
+            const CNyrReportViewCol* col = d->view ? d->view->GetRealCol(c.realCol) : nullptr;
+            if (col && !col->IsDeleted())
+                d->AddRow(col, c.realCol, c.visible, std::clamp(c.width, 0, kMaxWidth));
+        }
     }
-    d->updating = false;
     if (d->list->rowCount() > 0)
         d->list->setCurrentCell(0, kLabelColumn);
     UpdateStates();
@@ -193,14 +206,15 @@ void CNyrReportViewColumnsDlg::MoveRow(int from, int to)
 {
     if (from < 0 || to < 0 || from >= d->list->rowCount() || to >= d->list->rowCount())
         return;
-    d->updating = true;
-    for (int c : {kLabelColumn, kWidthColumn}) {
-        QTableWidgetItem* a = d->list->takeItem(from, c);
-        QTableWidgetItem* b = d->list->takeItem(to, c);
-        d->list->setItem(from, c, b);
-        d->list->setItem(to, c, a);
+    {
+        const QScopedValueRollback moving(d->updating, true);
+        for (int c : {kLabelColumn, kWidthColumn}) {
+            QTableWidgetItem* a = d->list->takeItem(from, c);
+            QTableWidgetItem* b = d->list->takeItem(to, c);
+            d->list->setItem(from, c, b);
+            d->list->setItem(to, c, a);
+        }
     }
-    d->updating = false;
     d->list->setCurrentCell(to, kLabelColumn);
     UpdateStates();
 }

@@ -9,6 +9,7 @@
 
 class CNyrInputControl;
 class CNyrReportView;
+class CNyrReportViewPrivate;
 class QObject;
 class QPainter;
 class QStyleOptionViewItem;
@@ -158,7 +159,8 @@ public:
     static int CompareTimePart(const COleDateTime& a, const COleDateTime& b) { return NyrCompareTimePart(a, b); }
 
 private:
-    friend class CNyrReportView;
+    // The owning view's parts adopt the item (report_view_p.h).
+    friend class CNyrReportViewPrivate;
 
     CNyrReportView* m_owner = nullptr;  // set by the view that adopts the item
     unsigned int m_itemState = 0;       // eItemState bits

@@ -11,6 +11,7 @@
 #include "nyrwidgets/views/report_view_p.h"
 
 using nyr::views_detail::Ix;
+using nyr::views_detail::IxInt;
 
 using nyr::detail::kStoredWidthDeleted;
 using nyr::detail::kStoredWidthHidden;
@@ -36,45 +37,43 @@ int& ColOrderDefaultValue()
 
 int CNyrReportView::StoreColWidthAndHidden()
 {
-    return StoreColWidthAndHiddenIn(InifileSection());
+    return d->StoreColWidthAndHiddenIn(InifileSection());
 }
 
-int CNyrReportView::StoreColWidthAndHiddenIn(const std::string& section)
+int CNyrReportViewPrivate::StoreColWidthAndHiddenIn(const std::string& section)
 {
-    if (d->cols.empty())
+    if (cols.empty())
         return 0;
-    const QHeaderView* header = horizontalHeader();
     std::vector<int> values;
-    values.reserve(d->cols.size());
-    for (std::size_t c = 0; c < d->cols.size(); ++c) {
-        const CNyrReportViewCol* col = d->cols[c].get();
+    values.reserve(cols.size());
+    for (std::size_t c = 0; c < cols.size(); ++c) {
+        const CNyrReportViewCol* col = cols[c].get();
         if (col->IsDeleted())
             values.push_back(kStoredWidthDeleted);
         else if (col->IsHidden())
             values.push_back(kStoredWidthHidden);
         else
-            values.push_back(header->sectionSize(ScreenColFromReal(static_cast<unsigned int>(c))));
+            values.push_back(q->horizontalHeader()->sectionSize(IxInt(realToScreenCol[c])));
     }
     return CNyrProfileEntries::WriteNyrProfileIntVector(section, CNyrProfileEntries::ReportViewColWidth(), values);
 }
 
 int CNyrReportView::StoreColOrder()
 {
-    return StoreColOrderIn(InifileSection());
+    return d->StoreColOrderIn(InifileSection());
 }
 
-int CNyrReportView::StoreColOrderIn(const std::string& section)
+int CNyrReportViewPrivate::StoreColOrderIn(const std::string& section)
 {
-    if (d->cols.empty())
+    if (cols.empty())
         return 0;
-    const QHeaderView* header = horizontalHeader();
     std::vector<int> values;
-    values.reserve(d->cols.size());
-    for (std::size_t c = 0; c < d->cols.size(); ++c) {
-        CNyrReportViewCol* col = d->cols[c].get();
-        col->m_order = col->IsVisible() ? header->visualIndex(ScreenColFromReal(static_cast<unsigned int>(c)))
-                                        : static_cast<int>(c);
-        values.push_back(col->m_order);
+    values.reserve(cols.size());
+    for (std::size_t c = 0; c < cols.size(); ++c) {
+        CNyrReportViewCol* col = cols[c].get();
+        col->SetOrder(col->IsVisible() ? q->horizontalHeader()->visualIndex(IxInt(realToScreenCol[c]))
+                                       : static_cast<int>(c));
+        values.push_back(col->GetOrder());
     }
     return CNyrProfileEntries::WriteNyrProfileIntVector(section, CNyrProfileEntries::ReportViewColOrder(), values);
 }
@@ -125,7 +124,7 @@ void CNyrReportView::ApplyColOrder(const std::vector<int>& order)
 {
     const std::size_t n = std::min(order.size(), d->cols.size());
     for (std::size_t c = 0; c < n; ++c)
-        d->cols[c]->m_order = order[c];
+        d->cols[c]->SetOrder(order[c]);
     // DisplayRealCols places the visible columns by their order fields,
     // equal ones in real order.
     DisplayRealCols();
@@ -189,9 +188,9 @@ void CNyrReportView::HoldAllColInfos()
     for (std::size_t s = 0; s < d->screenToRealCol.size(); ++s) {
         CNyrReportViewCol* col = d->Col(d->screenToRealCol[s]);
         const int section = static_cast<int>(s);
-        col->m_width = header->sectionSize(section);
-        col->m_order = header->visualIndex(section);
-        col->m_left = header->sectionPosition(section);
+        CNyrReportViewPrivate::TakeColumnWidth(*col, header->sectionSize(section));
+        col->SetOrder(header->visualIndex(section));
+        col->SetLeft(header->sectionPosition(section));
     }
 }
 
@@ -202,15 +201,15 @@ void CNyrReportView::HoldRealColsDefaults()
         CNyrReportViewCol* col = d->cols[c].get();
         if (col->IsDeleted())
             continue;
-        col->m_hiddenDefault = col->IsHidden();
-        col->m_widthDefault = col->m_width;
-        col->m_orderDefault = col->IsVisible() ? col->m_order : static_cast<int>(c);
+        col->SetHiddenDefault(col->IsHidden());
+        col->SetWidthDefault(col->GetWidth());
+        CNyrReportViewPrivate::SetColumnOrderDefault(*col, col->IsVisible() ? col->GetOrder() : static_cast<int>(c));
     }
 }
 
 int CNyrReportView::GetRealColOrderDefault(unsigned int realCol) const
 {
-    return realCol < d->cols.size() ? d->cols[realCol]->m_orderDefault : -1;
+    return realCol < d->cols.size() ? CNyrReportViewPrivate::ColumnOrderDefault(*d->cols[realCol]) : -1;
 }
 
 // ---------------------------------------------------------------------------
@@ -237,7 +236,7 @@ int CNyrReportView::ColumnsDialog()
     }
     std::vector<int> order(d->cols.size());
     for (std::size_t c = 0; c < order.size(); ++c)
-        order[c] = d->cols[c]->m_order;
+        order[c] = d->cols[c]->GetOrder();
     if (d->columnsDlgStyle & (ColumnsDlgOrder | ColumnsDlgDefaults)) {
         for (std::size_t pos = 0; pos < columns.size(); ++pos)
             order[columns[pos].realCol] = static_cast<int>(pos);
@@ -293,12 +292,12 @@ void CNyrReportView::RestoreLayout()
     }
 }
 
-void CNyrReportView::StoreLayoutOnClose()
+void CNyrReportViewPrivate::StoreLayoutOnClose()
 {
-    if (!d->live)
+    if (!live)
         return;
-    if (d->serializeColWidth)
-        StoreColWidthAndHiddenIn(d->liveSection);
-    if (d->serializeColOrder)
-        StoreColOrderIn(d->liveSection);
+    if (serializeColWidth)
+        StoreColWidthAndHiddenIn(liveSection);
+    if (serializeColOrder)
+        StoreColOrderIn(liveSection);
 }

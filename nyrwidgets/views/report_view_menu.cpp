@@ -1,4 +1,5 @@
-// Context menus and command messages of CNyrReportView.
+// The context menus of CNyrReportView: their styles, their pieces and how they
+// are shown.
 #include "nyrwidgets/views/report_view_menu.h"
 
 #include <QContextMenuEvent>
@@ -7,19 +8,15 @@
 #include <QKeyEvent>
 
 #include "nyr/frame/notifications.h"
-#include "nyr/frame/resource_module.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/report_view_p.h"
+#include "nyrwidgets/views/view_print_list.h"
+#include "nyrwidgets/views/views_text_p.h"
 
-using nyr::views_detail::Ix;
+using nyr::views_detail::Text;
 
 namespace {
-
-QString Text(unsigned int id)
-{
-    return QString::fromStdString(NyrLoadString(id));
-}
 
 enum eMenuKind { kHeader = 0, kItem = 1, kItemBk = 2 };
 
@@ -55,6 +52,13 @@ int& AutoRestoreDefault()
 {
     static int value = 1;
     return value;
+}
+
+// One kind of menu's styles: plain, and with Shift held.
+void SetStyles(unsigned int (&styles)[2], unsigned int style, unsigned int shiftStyle)
+{
+    styles[0] = style;
+    styles[1] = shiftStyle;
 }
 
 }  // namespace
@@ -190,68 +194,62 @@ void CNyrReportViewMenuPopUp::AppendMenu(const QMenu* menu)
 
 void CNyrReportView::SetHeaderMenu(unsigned int style, unsigned int shiftStyle)
 {
-    d->menuStyles[kHeader][0] = style;
-    d->menuStyles[kHeader][1] = shiftStyle;
+    SetStyles(d->menuStyles[kHeader], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetHeaderMenu(bool shift) const
 {
-    return d->menuStyles[kHeader][shift ? 1 : 0];
+    return d->menuStyles[kHeader][shift];
 }
 
 void CNyrReportView::SetItemMenu(unsigned int style, unsigned int shiftStyle)
 {
-    d->menuStyles[kItem][0] = style;
-    d->menuStyles[kItem][1] = shiftStyle;
+    SetStyles(d->menuStyles[kItem], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemMenu(bool shift) const
 {
-    return d->menuStyles[kItem][shift ? 1 : 0];
+    return d->menuStyles[kItem][shift];
 }
 
 void CNyrReportView::SetItemBkMenu(unsigned int style, unsigned int shiftStyle)
 {
-    d->menuStyles[kItemBk][0] = style;
-    d->menuStyles[kItemBk][1] = shiftStyle;
+    SetStyles(d->menuStyles[kItemBk], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemBkMenu(bool shift) const
 {
-    return d->menuStyles[kItemBk][shift ? 1 : 0];
+    return d->menuStyles[kItemBk][shift];
 }
 
 void CNyrReportView::SetHeaderMenuDefault(unsigned int style, unsigned int shiftStyle)
 {
-    MenuDefaults()[kHeader][0] = style;
-    MenuDefaults()[kHeader][1] = shiftStyle;
+    SetStyles(MenuDefaults()[kHeader], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetHeaderMenuDefault(bool shift)
 {
-    return MenuDefaults()[kHeader][shift ? 1 : 0];
+    return MenuDefaults()[kHeader][shift];
 }
 
 void CNyrReportView::SetItemMenuDefault(unsigned int style, unsigned int shiftStyle)
 {
-    MenuDefaults()[kItem][0] = style;
-    MenuDefaults()[kItem][1] = shiftStyle;
+    SetStyles(MenuDefaults()[kItem], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemMenuDefault(bool shift)
 {
-    return MenuDefaults()[kItem][shift ? 1 : 0];
+    return MenuDefaults()[kItem][shift];
 }
 
 void CNyrReportView::SetItemBkMenuDefault(unsigned int style, unsigned int shiftStyle)
 {
-    MenuDefaults()[kItemBk][0] = style;
-    MenuDefaults()[kItemBk][1] = shiftStyle;
+    SetStyles(MenuDefaults()[kItemBk], style, shiftStyle);
 }
 
 unsigned int CNyrReportView::GetItemBkMenuDefault(bool shift)
 {
-    return MenuDefaults()[kItemBk][shift ? 1 : 0];
+    return MenuDefaults()[kItemBk][shift];
 }
 
 void CNyrReportView::SetGlobalHeaderMenu(QMenu* menu)
@@ -289,17 +287,15 @@ int CNyrReportView::GetAutoRestoreDefault()
     return AutoRestoreDefault();
 }
 
-void CNyrReportView::Private::TakeClassDefaults()
+void CNyrReportViewPrivate::TakeClassDefaults()
 {
-    for (int kind = 0; kind < 3; ++kind) {
-        menuStyles[kind][0] = MenuDefaults()[kind][0];
-        menuStyles[kind][1] = MenuDefaults()[kind][1];
-    }
+    for (int kind = 0; kind < 3; ++kind)
+        SetStyles(menuStyles[kind], MenuDefaults()[kind][0], MenuDefaults()[kind][1]);
     columnsDlgStyle = ColumnsDlgStyleDefault();
     autoRestore = AutoRestoreDefault();
-    serializeSortState = GetSerializeSortStateDefault();
-    serializeColWidth = GetSerializeColWidthAndHiddenDefault();
-    serializeColOrder = GetSerializeColOrderDefault();
+    serializeSortState = CNyrReportView::GetSerializeSortStateDefault();
+    serializeColWidth = CNyrReportView::GetSerializeColWidthAndHiddenDefault();
+    serializeColOrder = CNyrReportView::GetSerializeColOrderDefault();
 }
 
 void CNyrReportView::SetColumnsDlgStyleDefault(unsigned int style)
@@ -353,15 +349,7 @@ void CNyrReportView::BuildRealItemContextMenu(CNyrReportViewMenuPopUp& menu, uns
         InsertMenuModify(menu);
     if (style & MenuDelete)
         InsertMenuDelete(menu);
-    if (style & MenuSelect) {
-        menu.AppendSeparator();
-        InsertMenuSelect(menu);
-    }
-    if (style & MenuCheck) {
-        menu.AppendSeparator();
-        InsertMenuCheck(menu);
-    }
-    InsertMenuFindAndSaveAs(menu, style);
+    d->InsertRowMenus(menu, style);
     if (style & MenuGlobal)
         InsertGlobalItemMenu(menu);
 }
@@ -370,127 +358,126 @@ void CNyrReportView::BuildItemBkContextMenu(CNyrReportViewMenuPopUp& menu, bool 
 {
     const unsigned int style = GetItemBkMenu(shift);
     d->menuRealItem = -1;
-    if (style & MenuSelect)
-        InsertMenuSelect(menu);
-    if (style & MenuCheck) {
-        menu.AppendSeparator();
-        InsertMenuCheck(menu);
-    }
-    InsertMenuFindAndSaveAs(menu, style);
+    d->InsertRowMenus(menu, style);
     if (style & MenuGlobal)
         InsertGlobalItemBkMenu(menu);
 }
 
-void CNyrReportView::InsertMenuFindAndSaveAs(CNyrReportViewMenuPopUp& menu, unsigned int style)
+void CNyrReportViewPrivate::InsertRowMenus(CNyrReportViewMenuPopUp& menu, unsigned int style)
 {
-    if (style & (MenuFind | MenuFindNP))
+    // A separator at the top of a menu is left out (AppendSeparator).
+    if (style & CNyrReportView::MenuSelect) {
         menu.AppendSeparator();
-    if (style & MenuFind)
-        InsertMenuFind(menu);
-    if (style & MenuFindNP)
-        InsertMenuFindNP(menu);
-    if (style & MenuSaveAs) {
+        q->InsertMenuSelect(menu);
+    }
+    if (style & CNyrReportView::MenuCheck) {
         menu.AppendSeparator();
-        InsertMenuSaveAs(menu);
+        q->InsertMenuCheck(menu);
     }
-    if (style & MenuPrint) {
-        if (!(style & MenuSaveAs))
-            menu.AppendSeparator();
-        InsertMenuPrint(menu);
-    }
+    if (style & (CNyrReportView::MenuFind | CNyrReportView::MenuFindNP))
+        menu.AppendSeparator();
+    if (style & CNyrReportView::MenuFind)
+        q->InsertMenuFind(menu);
+    if (style & CNyrReportView::MenuFindNP)
+        q->InsertMenuFindNP(menu);
+    if (style & (CNyrReportView::MenuSaveAs | CNyrReportView::MenuPrint))
+        menu.AppendSeparator();
+    if (style & CNyrReportView::MenuSaveAs)
+        q->InsertMenuSaveAs(menu);
+    if (style & CNyrReportView::MenuPrint)
+        q->InsertMenuPrint(menu);
 }
 
 void CNyrReportView::InsertMenuAutoArrange(CNyrReportViewMenuPopUp& menu)
 {
-    menu.AppendCommand(26022, WM_NYR_REPORTVIEW_AUTO_ARRANGE, !d->screenToRealCol.empty());
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_AUTO_ARRANGE);
 }
 
 void CNyrReportView::InsertMenuSort(CNyrReportViewMenuPopUp& menu, unsigned int realCol)
 {
+    // The column the sort entries act on.
+    d->menuRealCol = realCol < d->cols.size() ? static_cast<int>(realCol) : -1;
     CNyrReportViewMenuPopUp* sub = menu.AppendSubMenu(26023);
-    const bool onColumn = realCol < d->cols.size();
     const bool single = d->sortState.size() == 1 && d->sortState[0].realCol == realCol;
-    QAction* ascending = sub->AppendCommand(26024, WM_NYR_REPORTVIEW_SORT_ASCENDING, onColumn);
-    ascending->setCheckable(true);
-    ascending->setChecked(single && d->sortState[0].ascending);
-    QAction* descending = sub->AppendCommand(26025, WM_NYR_REPORTVIEW_SORT_DESCENDING, onColumn);
-    descending->setCheckable(true);
-    descending->setChecked(single && !d->sortState[0].ascending);
-    QAction* original = sub->AppendCommand(26026, WM_NYR_REPORTVIEW_SORT_UNSORTED);
-    original->setCheckable(true);
-    original->setChecked(d->sortState.empty());
+    const auto checkable = [](QAction* action, bool checked) {
+        action->setCheckable(true);
+        action->setChecked(checked);
+    };
+    checkable(d->AppendCommand(*sub, WM_NYR_REPORTVIEW_SORT_ASCENDING), single && d->sortState[0].ascending);
+    checkable(d->AppendCommand(*sub, WM_NYR_REPORTVIEW_SORT_DESCENDING), single && !d->sortState[0].ascending);
+    checkable(d->AppendCommand(*sub, WM_NYR_REPORTVIEW_SORT_UNSORTED), d->sortState.empty());
     sub->addSeparator();
-    sub->AppendCommand(26044, WM_NYR_REPORTVIEW_SORT_MULTIPLE, !d->cols.empty());
+    d->AppendCommand(*sub, WM_NYR_REPORTVIEW_SORT_MULTIPLE);
 }
 
 void CNyrReportView::InsertMenuViewHide(CNyrReportViewMenuPopUp& menu, unsigned int realCol)
 {
-    const bool several = d->screenToRealCol.size() > 1;
     const CNyrReportViewCol* col = GetRealCol(realCol);
     menu.AppendSeparator();
     menu.AppendAction(
-        26027, [this, realCol] { HideRealCol(realCol, 1, 1); }, several && col && col->IsVisible());
-    menu.AppendCommand(26028, WM_NYR_REPORTVIEW_HIDE_ALL_COLS, several);
-    std::vector<unsigned int> hidden;
+        26027, [this, realCol] { HideRealCol(realCol, 1, 1); }, GetColumnCount() > 1 && col && col->IsVisible());
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_HIDE_ALL_COLS);
+    const QAction* viewAll = d->AppendCommand(menu, WM_NYR_REPORTVIEW_VIEW_ALL_COLS);
+    CNyrReportViewMenuPopUp* view = menu.AppendSubMenu(26030, viewAll->isEnabled());
     for (std::size_t c = 0; c < d->cols.size(); ++c) {
+        const auto r = static_cast<unsigned int>(c);
         if (d->cols[c]->IsHidden() && !d->cols[c]->IsDeleted())
-            hidden.push_back(static_cast<unsigned int>(c));
-    }
-    menu.AppendCommand(26029, WM_NYR_REPORTVIEW_VIEW_ALL_COLS, !hidden.empty());
-    CNyrReportViewMenuPopUp* view = menu.AppendSubMenu(26030, !hidden.empty());
-    for (unsigned int r : hidden) {
-        view->AppendAction(QString::fromStdString(d->cols[r]->GetLabel()), [this, r] { HideRealCol(r, 0, 1); });
+            view->AppendAction(QString::fromStdString(d->cols[c]->GetLabel()), [this, r] { HideRealCol(r, 0, 1); });
     }
 }
 
 void CNyrReportView::InsertMenuColumns(CNyrReportViewMenuPopUp& menu)
 {
-    menu.AppendCommand(26043, WM_NYR_REPORTVIEW_COLUMNS_DLG, d->columnsDlgStyle != 0 && !d->cols.empty());
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_COLUMNS_DLG);
 }
 
 void CNyrReportView::InsertMenuFind(CNyrReportViewMenuPopUp& menu)
 {
-    menu.AppendCommand(26032, WM_NYR_REPORTVIEW_FIND);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_FIND);
 }
 
 void CNyrReportView::InsertMenuFindNP(CNyrReportViewMenuPopUp& menu)
 {
-    const bool can = !CNyrListViewFind::SearchCrit().searchString.empty() && !d->screenToRealItem.empty();
-    menu.AppendCommand(26033, WM_NYR_REPORTVIEW_FIND_NEXT, can);
-    menu.AppendCommand(26034, WM_NYR_REPORTVIEW_FIND_PREV, can);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_FIND_NEXT);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_FIND_PREV);
 }
 
 void CNyrReportView::InsertMenuSaveAs(CNyrReportViewMenuPopUp& menu)
 {
-    menu.AppendCommand(26031, WM_NYR_REPORTVIEW_SAVE_AS, !d->screenToRealCol.empty());
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_SAVE_AS);
+}
+
+void CNyrReportView::InsertMenuPrint(CNyrReportViewMenuPopUp& menu)
+{
+    d->AppendCommand(menu, NyrListViewPrintMessage());
+    d->AppendCommand(menu, NyrListViewPrintPreviewMessage());
+    d->AppendCommand(menu, NyrListViewExportPdfMessage());
 }
 
 void CNyrReportView::InsertMenuSelect(CNyrReportViewMenuPopUp& menu)
 {
-    const bool any = !d->screenToRealItem.empty();
-    menu.AppendCommand(26035, WM_NYR_REPORTVIEW_SELECT_ALL, any);
-    menu.AppendCommand(26036, WM_NYR_REPORTVIEW_INVERT_SELECTION, any);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_SELECT_ALL);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_INVERT_SELECTION);
     if (HasCheckBoxes())
-        menu.AppendCommand(26037, WM_NYR_REPORTVIEW_SELECT_CHECKED_ITEMS, GetItemsChecked() != 0);
+        d->AppendCommand(menu, WM_NYR_REPORTVIEW_SELECT_CHECKED_ITEMS);
 }
 
 void CNyrReportView::InsertMenuCheck(CNyrReportViewMenuPopUp& menu)
 {
     if (!HasCheckBoxes())
         return;
-    const bool any = !d->screenToRealItem.empty();
-    menu.AppendCommand(26038, WM_NYR_REPORTVIEW_CHECK_ALL, any);
-    menu.AppendCommand(26039, WM_NYR_REPORTVIEW_INVERT_CHECKED, any);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_CHECK_ALL);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_INVERT_CHECKED);
 }
 
 void CNyrReportView::InsertMenuModify(CNyrReportViewMenuPopUp& menu)
 {
-    menu.AppendCommand(26042, WM_NYR_REPORTVIEW_MODIFY, d->menuRealItem >= 0);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_MODIFY);
 }
 
 void CNyrReportView::InsertMenuDelete(CNyrReportViewMenuPopUp& menu)
 {
-    menu.AppendCommand(26041, WM_NYR_REPORTVIEW_DELETE_SELECTED, GetItemsSelected() != 0);
+    d->AppendCommand(menu, WM_NYR_REPORTVIEW_DELETE_SELECTED);
 }
 
 void CNyrReportView::InsertGlobalHeaderMenu(CNyrReportViewMenuPopUp& menu)
@@ -520,7 +507,7 @@ void CNyrReportView::ShowContextMenu(const QPoint& globalPos, bool shift)
     const QPoint inHeader = header->mapFromGlobal(globalPos);
     if (header->isVisible() && header->rect().contains(inHeader)) {
         const int realCol = RealColFromScreen(header->logicalIndexAt(inHeader));
-        BuildHeaderContextMenu(menu, realCol >= 0 ? static_cast<unsigned int>(realCol) : 0xFFFFFFFFu, shift);
+        BuildHeaderContextMenu(menu, realCol >= 0 ? static_cast<unsigned int>(realCol) : NYR_NO_INDEX, shift);
     } else {
         const int realItem = RealItemFromScreen(rowAt(viewport()->mapFromGlobal(globalPos).y()));
         if (realItem >= 0)
@@ -554,91 +541,4 @@ void CNyrReportView::keyPressEvent(QKeyEvent* e)
         return;
     }
     CNyrListView::keyPressEvent(e);
-}
-
-// ---------------------------------------------------------------------------
-// Commands
-
-bool CNyrReportView::event(QEvent* e)
-{
-    if (CNyrMessageEvent* m = CNyrMessageEvent::From(e)) {
-        if (OnCommand(m->Message())) {
-            m->SetResult(1);
-            return true;
-        }
-    }
-    return CNyrListView::event(e);
-}
-
-bool CNyrReportView::OnCommand(unsigned int message)
-{
-    if (message == WM_NYR_REPORTVIEW_SORT_ASCENDING || message == WM_NYR_REPORTVIEW_SORT_DESCENDING)
-        return SortByMenuColumn(message);
-    if (message == WM_NYR_REPORTVIEW_SORT_UNSORTED) {
-        if (!d->sortState.empty())
-            SortList(std::vector<SORT_STATE_REALCOL>{});
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_SORT_MULTIPLE) {
-        SortMultiple();
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_VIEW_ALL_COLS) {
-        HideAllCols(0, 1);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_HIDE_ALL_COLS) {
-        // The column under the menu stays (the first on screen without one),
-        // so that the header keeps a column to open the menu on.
-        int keep = d->menuRealCol;
-        if (keep < 0 || !d->cols[static_cast<std::size_t>(keep)]->IsVisible())
-            keep = RealColFromScreen(horizontalHeader()->logicalIndex(0));
-        HideAllCols(1, 1, keep);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_AUTO_ARRANGE) {
-        AutoArrangeColumns();
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_MODIFY) {
-        int realItem = d->menuRealItem >= 0 ? d->menuRealItem : GetFocusedRealItem();
-        if (realItem >= 0 && d->ValidReal(static_cast<unsigned int>(realItem)))
-            OnModifyRealItem(static_cast<unsigned int>(realItem));
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_DELETE_SELECTED) {
-        OnDeleteSelectedItems();
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_SELECT_ALL) {
-        SelectAllItems(1, 1);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_INVERT_SELECTION) {
-        InvertSelection(1);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_SELECT_CHECKED_ITEMS) {
-        SelectCheckedItems(1);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_CHECK_ALL) {
-        CheckAllItems(1, 1);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_INVERT_CHECKED) {
-        InvertChecked(1);
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_COLUMNS_DLG) {
-        ColumnsDialog();
-        return true;
-    }
-    if (message == WM_NYR_REPORTVIEW_POST_HDN_ENDDRAG) {
-        // The header has applied the move by now: read the order back.
-        HoldAllColInfos();
-        GetHeaderCtrl()->UpdateCurrentSortedColumns();
-        return true;
-    }
-    return false;
 }

@@ -24,18 +24,17 @@ QColor FromRgb(unsigned int rgb)
 
 int CNyrReportViewModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_view->d->screenToRealItem.size());
+    return parent.isValid() ? 0 : static_cast<int>(d.screenToRealItem.size());
 }
 
 int CNyrReportViewModel::columnCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_view->d->screenToRealCol.size());
+    return parent.isValid() ? 0 : static_cast<int>(d.screenToRealCol.size());
 }
 
 QVariant CNyrReportViewModel::data(const QModelIndex& index, int role) const
 {
-    const CNyrReportView::Private& d = *m_view->d;
-    if (!index.isValid() || !d.ValidScreen(index.row()) || index.column() >= columnCount())
+    if (!index.isValid() || !d.ValidScreen(index.row()) || !d.ValidScreenCol(index.column()))
         return {};
     const auto screenItem = static_cast<ScreenItem>(index.row());
     const auto screenCol = static_cast<ScreenCol>(index.column());
@@ -46,19 +45,16 @@ QVariant CNyrReportViewModel::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole: {
         std::string text;
-        if (Ix(screenCol) == 0)
-            item->OnGetMainItemText(Ix(realCol), text);
-        else
-            item->OnGetItemText(Ix(realCol), Ix(screenCol), text);
+        nyr::views_detail::CellText(*item, realCol, screenCol, text);
         return QString::fromStdString(text);
     }
     case Qt::CheckStateRole:
-        if (Ix(screenCol) == 0 && m_view->HasCheckBoxes())
+        if (Ix(screenCol) == 0 && d.q->HasCheckBoxes())
             return item->IsChecked() ? Qt::Checked : Qt::Unchecked;
         return {};
     case Qt::DecorationRole: {
         const int image = item->OnGetItemImage(Ix(realCol), Ix(screenCol));
-        const std::vector<QIcon>& images = m_view->GetImageList();
+        const std::vector<QIcon>& images = d.q->GetImageList();
         if (image >= 0 && static_cast<std::size_t>(image) < images.size())
             return images[static_cast<std::size_t>(image)];
         return {};
@@ -88,33 +84,29 @@ QVariant CNyrReportViewModel::data(const QModelIndex& index, int role) const
 
 bool CNyrReportViewModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    const CNyrReportView::Private& d = *m_view->d;
     if (role != Qt::CheckStateRole || !index.isValid() || !d.ValidScreen(index.row()))
         return false;
     // A click on the check box: a user action, so it notifies.
-    m_view->CheckRealItem(Ix(d.RealOf(static_cast<ScreenItem>(index.row()))),
-                          value.toInt() == Qt::Checked ? 1 : 0, 1);
+    d.q->CheckRealItem(Ix(d.RealOf(static_cast<ScreenItem>(index.row()))), value.toInt() == Qt::Checked ? 1 : 0, 1);
     return true;
 }
 
 Qt::ItemFlags CNyrReportViewModel::flags(const QModelIndex& index) const
 {
-    const CNyrReportView::Private& d = *m_view->d;
     if (!index.isValid() || !d.ValidScreen(index.row()))
         return Qt::NoItemFlags;
     // A disabled item is greyed, cannot be selected and takes no clicks.
     if (d.Item(d.RealOf(static_cast<ScreenItem>(index.row())))->IsDisabled())
         return Qt::ItemNeverHasChildren;
     Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-    if (index.column() == 0 && m_view->HasCheckBoxes())
+    if (index.column() == 0 && d.q->HasCheckBoxes())
         f |= Qt::ItemIsUserCheckable;
     return f;
 }
 
 QVariant CNyrReportViewModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    const CNyrReportView::Private& d = *m_view->d;
-    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount())
+    if (orientation != Qt::Horizontal || !d.ValidScreenCol(section))
         return {};
     const CNyrReportViewCol* col = d.Col(d.RealColOf(static_cast<ScreenCol>(section)));
     if (role == Qt::DisplayRole)
@@ -127,9 +119,7 @@ QVariant CNyrReportViewModel::headerData(int section, Qt::Orientation orientatio
 void CNyrReportViewDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                    const QModelIndex& index) const
 {
-    const CNyrReportView::Private& d = *m_view->d;
-    if (index.isValid() && d.ValidScreen(index.row()) &&
-        static_cast<std::size_t>(index.column()) < d.screenToRealCol.size()) {
+    if (index.isValid() && d.ValidScreen(index.row()) && d.ValidScreenCol(index.column())) {
         const auto screenItem = static_cast<ScreenItem>(index.row());
         const auto screenCol = static_cast<ScreenCol>(index.column());
         const RealItem realItem = d.RealOf(screenItem);

@@ -1,6 +1,11 @@
 #pragma once
 
-// Private parts of CNyrReportView shared by its source files.
+// The parts of CNyrReportView that its source files share. One file a
+// subject: report_view.cpp builds the view and answers the list view's
+// screen access; _rows keeps the screen rows and Qt's selection, _columns the
+// real columns, _items the real items, _states their selected, checked and
+// disabled bits, _notify the subscribers; _sort, _layout, _menu, _commands
+// and _model as named.
 
 #include <QAbstractTableModel>
 #include <QItemSelection>
@@ -9,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,6 +23,7 @@
 #include "nyrwidgets/views/report_view_item.h"
 
 class CNyrReportViewInplace;
+class CNyrReportViewPrivate;
 
 namespace nyr::views_detail {
 
@@ -27,8 +34,8 @@ enum class ScreenItem : std::uint32_t {};
 enum class RealCol : std::uint32_t {};
 enum class ScreenCol : std::uint32_t {};
 
-inline constexpr ScreenItem kOffScreenItem{0xFFFFFFFFu};
-inline constexpr ScreenCol kOffScreenCol{0xFFFFFFFFu};
+inline constexpr ScreenItem kOffScreenItem{NYR_NO_INDEX};
+inline constexpr ScreenCol kOffScreenCol{NYR_NO_INDEX};
 
 template <class E>
 constexpr std::uint32_t Ix(E e)
@@ -41,9 +48,19 @@ constexpr int IxInt(E e)
     return static_cast<int>(static_cast<std::uint32_t>(e));
 }
 
+// The text of a cell. The first screen column shows the item's label, whose
+// text comes from OnGetMainItemText; the others from OnGetItemText.
+inline void CellText(CNyrReportViewItem& item, RealCol realCol, ScreenCol screenCol, std::string& text)
+{
+    if (Ix(screenCol) == 0)
+        item.OnGetMainItemText(Ix(realCol), text);
+    else
+        item.OnGetItemText(Ix(realCol), Ix(screenCol), text);
+}
+
 // What the sort moves: an item with its real index. Carrying the pointer
 // saves a look-up in the item vector per comparison; a large sort spends
-// most of its time waiting for memory.
+// most of its time waiting for memory (bench/views, BM_ReportViewSort_1M).
 struct SortEntry
 {
     CNyrReportViewItem* item;
@@ -55,7 +72,7 @@ struct SortEntry
 //  2. An item compared with itself: the first key's ascending flag. True
 //     under an ascending key, so this is not a strict order; kept as it is on
 //     purpose (the sort never asks it, and stays in bounds if asked).
-//  3. Keys in order, up to one of column 0xFFFFFFFF: the first non-zero
+//  3. Keys in order, up to one of column NYR_NO_INDEX: the first non-zero
 //     OnCompareItem decides, negated for a descending key.
 //  4. All equal: real index in the first key's direction.
 struct LessRealItem
@@ -70,7 +87,7 @@ struct LessRealItem
         if (a.real == b.real)
             return ascending;
         for (const CNyrReportView::SORT_STATE_REALCOL& key : keys) {
-            if (key.realCol == 0xFFFFFFFFu)
+            if (key.realCol == NYR_NO_INDEX)
                 break;
             const int r = a.item->OnCompareItem(b.item, key.realCol);
             if (r != 0)
@@ -81,7 +98,8 @@ struct LessRealItem
 };
 
 // Prefetches the item object a comparison will read (its first two cache
-// lines, where the base part and usually the compared values lie).
+// lines, where the base part and usually the compared values lie). Worth it
+// in bench/views, BM_ReportViewSort_1M.
 struct PrefetchItem
 {
     void operator()(const SortEntry& e) const
@@ -91,24 +109,10 @@ struct PrefetchItem
     }
 };
 
-// Sets a flag for its lifetime and then puts back what it was, so that a
-// nested change does not clear the flag of the change around it.
-class ScopedFlag
-{
-public:
-    explicit ScopedFlag(bool& flag) : m_flag(flag), m_saved(flag) { m_flag = true; }
-    ~ScopedFlag() { m_flag = m_saved; }
-    ScopedFlag(const ScopedFlag&) = delete;
-    ScopedFlag& operator=(const ScopedFlag&) = delete;
-
-private:
-    bool& m_flag;
-    bool m_saved;
-};
-
 // Sets a flag while the outermost of nested scopes lives and, as that one
 // ends, clears it and runs `atEnd`: for work that a batch of changes does
-// once, at its end.
+// once, at its end. (A flag that only guards against re-entry is held with
+// QScopedValueRollback, which puts back what it found.)
 class OutermostScope
 {
 public:
@@ -136,11 +140,11 @@ private:
 }  // namespace nyr::views_detail
 
 // The screen side of a report view: the visible real items in screen order,
-// computed on demand from the view's maps.
+// computed on demand from the view's maps (report_view_model.cpp).
 class CNyrReportViewModel : public QAbstractTableModel
 {
 public:
-    explicit CNyrReportViewModel(CNyrReportView* view) : QAbstractTableModel(view), m_view(view) {}
+    CNyrReportViewModel(CNyrReportView* view, const CNyrReportViewPrivate& parts) : QAbstractTableModel(view), d(parts) {}
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -162,22 +166,28 @@ public:
     using QAbstractTableModel::endResetModel;
 
 private:
-    CNyrReportView* m_view;
+    const CNyrReportViewPrivate& d;
 };
 
 // Paints a cell through the item's owner-draw hook when it wants to.
 class CNyrReportViewDelegate : public QStyledItemDelegate
 {
 public:
-    explicit CNyrReportViewDelegate(CNyrReportView* view) : QStyledItemDelegate(view), m_view(view) {}
+    CNyrReportViewDelegate(CNyrReportView* view, const CNyrReportViewPrivate& parts)
+        : QStyledItemDelegate(view), d(parts)
+    {
+    }
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
 private:
-    CNyrReportView* m_view;
+    const CNyrReportViewPrivate& d;
 };
 
-struct CNyrReportView::Private
+// The view's data and the work its public operations share. The one class
+// the view, its columns and its items let inside.
+class CNyrReportViewPrivate
 {
+public:
     using RealItem = nyr::views_detail::RealItem;
     using ScreenItem = nyr::views_detail::ScreenItem;
     using RealCol = nyr::views_detail::RealCol;
@@ -187,6 +197,19 @@ struct CNyrReportView::Private
     {
         QPointer<QObject> window;  // null once the window is gone; the entry stays (and matches no window)
         long mask;
+    };
+    using SubscriberList = std::vector<Subscriber>;
+
+    // A command of the view's context menus (report_view_commands.cpp).
+    struct Command
+    {
+        unsigned int (*message)();  // the registered message that names it; the menu entry sends it
+        unsigned int textId;        // the text of its menu entry
+        // Whether the menu offers it now; null: always.
+        bool (*enabled)(const CNyrReportView& view);
+        // What the view does on it; null where CNyrListView::event runs it
+        // (the commands every list view knows).
+        void (*run)(CNyrReportView& view);
     };
 
     CNyrReportView* q;
@@ -206,7 +229,10 @@ struct CNyrReportView::Private
     std::vector<RealCol> screenToRealCol;
     std::vector<ScreenCol> realToScreenCol;
 
-    std::vector<Subscriber> subscribers;  // in the order of subscription
+    // In the order of subscription. Replaced, never changed in place, so
+    // that a message being delivered holds on to the list it started with
+    // without copying it.
+    std::shared_ptr<const SubscriberList> subscribers = std::make_shared<const SubscriberList>();
 
     // Messages waiting while another one is being delivered: a change made
     // by a subscriber is told to everyone after the change it was told of.
@@ -229,7 +255,7 @@ struct CNyrReportView::Private
     bool savedRefresh = false;
     bool disableEnabled = false;
 
-    std::vector<SORT_STATE_REALCOL> sortState;  // at most three keys
+    std::vector<CNyrReportView::SORT_STATE_REALCOL> sortState;  // at most three keys
     int serializeSortState = 0;
     int serializeColWidth = 0;
     int serializeColOrder = 0;
@@ -248,8 +274,8 @@ struct CNyrReportView::Private
     int menuRealCol = -1;                // the column under the last header menu
     int menuRealItem = -1;               // the item under the last item menu
 
-    // Set while the view itself changes Qt's selection or the rows, so that
-    // Qt's selection signals are not taken as the user's.
+    // Set while the view itself changes Qt's selection, rows or columns, so
+    // that Qt's selection signals are not taken as the user's.
     bool syncingSelection = false;
     // A selection change made while syncingSelection was set left Qt's
     // selection behind the model's.
@@ -260,17 +286,22 @@ struct CNyrReportView::Private
     std::size_t selectedBits = 0;
     // Set while DisplayRealCols moves header sections to the order fields.
     bool applyingColumns = false;
-    // Set while a batch of selection changes runs: Qt's selection is rebuilt
-    // once at the end instead of row by row.
-    bool batchSelection = false;
+    // Set while a batch of state changes runs: Qt's selection is rebuilt and
+    // the changed rows are told to Qt once at the end instead of row by row.
+    bool batch = false;
+    int batchFirstRow = 0;  // the rows changed in the batch, while first <= last
+    int batchLastRow = -1;
 
-    explicit Private(CNyrReportView* view) : q(view) {}
+    explicit CNyrReportViewPrivate(CNyrReportView* view) : q(view) {}
+
+    static CNyrReportViewPrivate& Of(CNyrReportView& view) { return *view.d; }
+    static const CNyrReportViewPrivate& Of(const CNyrReportView& view) { return *view.d; }
 
     // Menu styles, the columns dialog style, AutoRestore and the Serialize...
     // switches from the class-wide defaults (report_view_menu.cpp).
     void TakeClassDefaults();
 
-    // ---- Screen rows (report_view.cpp) ----
+    // ---- Screen rows (report_view_rows.cpp) ----
 
     // Makes the screen live; the first time, restores the stored layout
     // (AutoRestore) before any row shows.
@@ -282,8 +313,7 @@ struct CNyrReportView::Private
     void ResortScreen();
     // Resets the model around `change` (which rewrites the row maps), then
     // puts Qt's selection and focus back from the items.
-    template <class F>
-    void ResetRows(bool keepPosition, F change);
+    void ResetRows(bool keepPosition, const std::function<void()>& change);
     // Sorts screenToRealItem by the sort state (the maps are renumbered);
     // `inRealOrder` says the rows are in real order already.
     void SortRows(bool inRealOrder);
@@ -292,13 +322,41 @@ struct CNyrReportView::Private
     // Qt's selection of one row (or of all rows) made to agree with the items.
     void MirrorRowSelection(ScreenItem s, bool selected);
     void ResyncQtSelection();
-    // The user's selection in Qt onto the items (see report_view.cpp).
+    // The user's selection in Qt onto the items (see report_view_rows.cpp).
     void OnQtSelectionChanged(const QItemSelection& selected, const QItemSelection& deselected);
+    // Tells Qt, and so every observer of the model, that a row's cells or
+    // states changed (in a batch, at its end); the row is drawn anew.
+    void RowChanged(ScreenItem s);
+    // The end of a batch: Qt's selection and the changed rows.
+    void EndBatch();
 
-    // ---- State changes (report_view.cpp) ----
+    // ---- Screen columns (report_view_columns.cpp) ----
 
-    // Sends the waiting messages, and those they cause, in order.
-    void DeliverPending();
+    // Adopts a column the view adds as its real column `r`.
+    void AdoptColumn(CNyrReportViewCol& col, RealCol r);
+    // A visible column onto the screen, after every visible column of a
+    // smaller real index, with its width.
+    void InsertScreenCol(RealCol r);
+    void RemoveScreenCol(RealCol r);
+    // The screen columns replaced by `visible` (in real order).
+    void SetScreenCols(std::vector<RealCol> visible);
+    // What every change of the screen columns ends with: Qt's selection
+    // spans the new columns, the sort marks sit on them.
+    void ScreenColsChanged();
+    // A column's label, alignment or (with `width`) width changed.
+    void OnColumnChanged(const CNyrReportViewCol& col, bool width);
+    // The width the user gave a column on screen, kept in the column without
+    // being sent back to the header.
+    static void TakeColumnWidth(CNyrReportViewCol& col, int width) { col.m_width = width; }
+    static int ColumnOrderDefault(const CNyrReportViewCol& col) { return col.m_orderDefault; }
+    static void SetColumnOrderDefault(CNyrReportViewCol& col, int order) { col.m_orderDefault = order; }
+
+    // ---- Items (report_view_items.cpp) ----
+
+    // Adopts an item the view adds; false when it belongs to a view already.
+    bool AdoptItem(CNyrReportViewItem& item);
+
+    // ---- State changes (report_view_states.cpp) ----
 
     // After an item operation: the screen follows each of the item's
     // selected, disabled and checked bits that differs from its value before,
@@ -314,8 +372,61 @@ struct CNyrReportView::Private
     // visible when its turn comes (a subscriber may hide some).
     template <class F>
     void ForEachVisibleItem(F f);
+
+    // Lets a batch of state changes bring Qt's selection and rows up to date
+    // once at the end instead of row by row (a million rows selected at once
+    // would otherwise cost a million selection ranges). Batches nest; the
+    // outermost one ends them.
+    class StateBatch : public nyr::views_detail::OutermostScope
+    {
+    public:
+        explicit StateBatch(CNyrReportViewPrivate& d) : OutermostScope(d.batch, [&d] { d.EndBatch(); }) {}
+    };
+
+    // ---- Notifications (report_view_notify.cpp) ----
+
+    // Sends the waiting messages, and those they cause, in order.
+    void DeliverPending();
+
+    // Holds the messages back while several changes made together are told,
+    // so that a change a subscriber makes meanwhile is told after all of them.
+    class HeldNotifications : public nyr::views_detail::OutermostScope
+    {
+    public:
+        explicit HeldNotifications(CNyrReportViewPrivate& d)
+            : OutermostScope(d.dispatching, [&d] { d.DeliverPending(); })
+        {
+        }
+    };
+
+    // ---- Sorting, layout, menus (report_view_sort.cpp, _layout, _menu) ----
+
     // The screen form of the sort state onto the header marks.
     void UpdateSortMarks();
+    // The sort commands of the header menu on its column.
+    void SortByMenuColumn(bool ascending);
+    // Stores the serialised column layout into the section the view had as
+    // it went live (nothing for a view that never did).
+    void StoreLayoutOnClose();
+    int StoreColWidthAndHiddenIn(const std::string& section);
+    int StoreColOrderIn(const std::string& section);
+    // The pieces both item menus offer as the style asks: select, check,
+    // find, find next / previous, save-as and print.
+    void InsertRowMenus(CNyrReportViewMenuPopUp& menu, unsigned int style);
+
+    // ---- Commands (report_view_commands.cpp) ----
+
+    // Every command of the view's menus.
+    static std::span<const Command> Commands();
+    // The command of `message`; null for none.
+    static const Command* FindCommand(unsigned int message);
+    // The menu entry of a command, enabled as the command says.
+    QAction* AppendCommand(CNyrReportViewMenuPopUp& menu, unsigned int message) const;
+    // Runs the command of `message`; false for a message the report view
+    // leaves to the list view.
+    bool RunCommand(unsigned int message);
+
+    // ---- Look-ups ----
 
     CNyrReportViewItem* Item(RealItem r) const { return items[nyr::views_detail::Ix(r)]; }
     ScreenItem ScreenOf(RealItem r) const { return realToScreenItem[nyr::views_detail::Ix(r)]; }
@@ -326,6 +437,10 @@ struct CNyrReportView::Private
     bool ValidScreen(int screenItem) const
     {
         return screenItem >= 0 && static_cast<std::size_t>(screenItem) < screenToRealItem.size();
+    }
+    bool ValidScreenCol(int screenCol) const
+    {
+        return screenCol >= 0 && static_cast<std::size_t>(screenCol) < screenToRealCol.size();
     }
     bool OnScreen(RealItem r) const { return ScreenOf(r) != nyr::views_detail::kOffScreenItem; }
 

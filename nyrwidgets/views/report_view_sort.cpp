@@ -35,13 +35,13 @@ bool SameState(const std::vector<SORT_STATE_REALCOL>& a, const std::vector<SORT_
 
 }  // namespace
 
-void CNyrReportView::Private::UpdateSortMarks()
+void CNyrReportViewPrivate::UpdateSortMarks()
 {
     // Keys on columns that are not on screen cannot be marked; the marks stop
     // where the state does.
     std::vector<SORT_STATE_SCREENCOL> screen;
     for (const SORT_STATE_REALCOL& key : sortState) {
-        if (key.realCol == 0xFFFFFFFFu)
+        if (key.realCol == NYR_NO_INDEX)
             break;
         if (key.realCol < cols.size() && realToScreenCol[key.realCol] != kOffScreenCol)
             screen.push_back({Ix(realToScreenCol[key.realCol]), key.ascending});
@@ -67,7 +67,7 @@ void CNyrReportView::SortList(const std::vector<SORT_STATE_SCREENCOL>& state)
 {
     std::vector<SORT_STATE_REALCOL> real;
     for (const SORT_STATE_SCREENCOL& key : state) {
-        if (key.screenCol == 0xFFFFFFFFu)
+        if (key.screenCol == NYR_NO_INDEX)
             break;
         const int realCol = RealColFromScreen(static_cast<int>(key.screenCol));
         if (realCol < 0)
@@ -161,17 +161,11 @@ void CNyrReportView::OnHeaderClick(int screenCol)
     SortList(std::vector<SORT_STATE_REALCOL>{{r, same ? !d->sortState[0].ascending : 1}});
 }
 
-bool CNyrReportView::SortByMenuColumn(unsigned int message)
+void CNyrReportViewPrivate::SortByMenuColumn(bool ascending)
 {
-    if (d->menuRealCol < 0)
-        return false;
-    const auto r = static_cast<unsigned int>(d->menuRealCol);
-    std::vector<SORT_STATE_REALCOL> state;
-    if (message == WM_NYR_REPORTVIEW_SORT_ASCENDING)
-        state.push_back({r, 1});
-    else if (message == WM_NYR_REPORTVIEW_SORT_DESCENDING)
-        state.push_back({r, 0});
-    if (!SameState(state, d->sortState))
-        SortList(state);
-    return true;
+    if (menuRealCol < 0)
+        return;
+    const std::vector<SORT_STATE_REALCOL> state{{static_cast<unsigned int>(menuRealCol), ascending ? 1 : 0}};
+    if (!SameState(state, sortState))
+        q->SortList(state);
 }

@@ -11,21 +11,15 @@
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/views/report_view_col.h"
+#include "nyrwidgets/views/views_text_p.h"
+
+using nyr::views_detail::MenuTextAsTitle;
+using nyr::views_detail::Text;
 
 namespace {
 
 constexpr int kKeys = 3;
 constexpr unsigned kMbIconExclamation = 0x30;
-
-QString MenuText(unsigned id)
-{
-    // A menu text without its mnemonic, shortcut and trailing dots.
-    QString text = QString::fromStdString(NyrLoadString(id));
-    text = text.section(QLatin1Char('\t'), 0, 0).remove(QLatin1Char('&'));
-    while (text.endsWith(QLatin1Char('.')))
-        text.chop(1);
-    return text;
-}
 
 }  // namespace
 
@@ -34,21 +28,16 @@ struct CNyrReportViewSortMultipleDlg::Private
     QComboBox* choice[kKeys] = {};
     QRadioButton* ascending[kKeys] = {};
     QRadioButton* descending[kKeys] = {};
-};
 
-CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* view, QWidget* parent)
-    : QDialog(parent ? parent : view), d(new Private)
-{
-    setWindowTitle(MenuText(26044));
-    auto* grid = new QGridLayout;
-    // Alt+1, Alt+2, Alt+3 reach the column choices. The direction buttons of
-    // the three rows share their texts, so they carry no mnemonic (Tab and
-    // the arrow keys reach them).
-    const QString ascending = MenuText(26024);
-    const QString descending = MenuText(26025);
-    for (int k = 0; k < kKeys; ++k) {
-        QComboBox* box = d->choice[k] = new QComboBox(this);
-        auto* label = new QLabel(QLatin1Char('&') + QString::number(k + 1) + QLatin1Char('.'), this);
+    // Row `k` of the grid: its label (Alt+1, Alt+2, Alt+3 reach the column
+    // choices), the choice of the view's columns that are not deleted, and
+    // the two directions. The direction buttons of the three rows share
+    // their texts, so they carry no mnemonic (Tab and the arrow keys reach
+    // them).
+    void AddKeyRow(QDialog* dialog, QGridLayout* grid, int k, const CNyrReportView* view)
+    {
+        QComboBox* box = choice[k] = new QComboBox(dialog);
+        auto* label = new QLabel(QLatin1Char('&') + QString::number(k + 1) + QLatin1Char('.'), dialog);
         label->setBuddy(box);
         grid->addWidget(label, k, 0);
         box->addItem(QString(), kNoColumn);
@@ -58,33 +47,37 @@ CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* vie
                 box->addItem(QString::fromStdString(col->GetLabel()), static_cast<int>(c));
         }
         grid->addWidget(box, k, 1);
-        auto* group = new QButtonGroup(this);
-        d->ascending[k] = new QRadioButton(ascending, this);
-        d->descending[k] = new QRadioButton(descending, this);
-        group->addButton(d->ascending[k]);
-        group->addButton(d->descending[k]);
-        d->ascending[k]->setChecked(true);
-        grid->addWidget(d->ascending[k], k, 2);
-        grid->addWidget(d->descending[k], k, 3);
+        auto* group = new QButtonGroup(dialog);
+        ascending[k] = new QRadioButton(QString::fromStdString(MenuTextAsTitle(26024)), dialog);
+        descending[k] = new QRadioButton(QString::fromStdString(MenuTextAsTitle(26025)), dialog);
+        group->addButton(ascending[k]);
+        group->addButton(descending[k]);
+        ascending[k]->setChecked(true);
+        grid->addWidget(ascending[k], k, 2);
+        grid->addWidget(descending[k], k, 3);
     }
+};
+
+CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* view, QWidget* parent)
+    : QDialog(parent ? parent : view), d(new Private)
+{
+    setWindowTitle(QString::fromStdString(MenuTextAsTitle(26044)));
+    auto* grid = new QGridLayout(this);
+    for (int k = 0; k < kKeys; ++k)
+        d->AddKeyRow(this, grid, k, view);
     auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(QString::fromStdString(NyrLoadString(26099)), QDialogButtonBox::AcceptRole);
-    buttons->addButton(QString::fromStdString(NyrLoadString(26100)), QDialogButtonBox::RejectRole);
+    buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
+    buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     grid->addWidget(buttons, kKeys, 0, 1, 4);
-    setLayout(grid);
 
-    if (view) {
-        std::vector<CNyrReportView::SORT_STATE_REALCOL> state;
+    // The view's sort state, up to its end marker.
+    std::vector<CNyrReportView::SORT_STATE_REALCOL> state;
+    if (view)
         view->GetSortState(state);
-        for (int k = 0; k < kKeys && static_cast<std::size_t>(k) < state.size(); ++k) {
-            if (state[static_cast<std::size_t>(k)].realCol == 0xFFFFFFFFu)
-                break;
-            SetChoice(k, static_cast<int>(state[static_cast<std::size_t>(k)].realCol),
-                      state[static_cast<std::size_t>(k)].ascending);
-        }
-    }
+    for (std::size_t k = 0; k < state.size() && k < kKeys && state[k].realCol != NYR_NO_INDEX; ++k)
+        SetChoice(static_cast<int>(k), static_cast<int>(state[k].realCol), state[k].ascending);
 }
 
 CNyrReportViewSortMultipleDlg::~CNyrReportViewSortMultipleDlg() = default;

@@ -10,7 +10,6 @@
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/report_view.h"
-#include "nyrwidgets/views/report_view_menu.h"
 #include "nyrwidgets/views/view_print_dlg.h"
 #include "nyrwidgets/views/view_print_p.h"
 
@@ -142,12 +141,4 @@ int CNyrListView::ExportPdf()
 
 void CNyrListView::OnPrintBegin(CNyrListViewPrint::PRINT_INFO&)
 {
-}
-
-void CNyrReportView::InsertMenuPrint(CNyrReportViewMenuPopUp& menu)
-{
-    const bool any = GetColumnCount() > 0;
-    menu.AppendCommand(26040, NyrListViewPrintMessage(), any);
-    menu.AppendCommand(26400, NyrListViewPrintPreviewMessage(), any);
-    menu.AppendCommand(26401, NyrListViewExportPdfMessage(), any);
 }

@@ -65,15 +65,6 @@ bool AnyRow(const CNyrListView& list, int what)
 
 }  // namespace
 
-std::string nyr::views_detail::MenuTextAsTitle(unsigned int textId)
-{
-    QString text = Text(textId);
-    text = text.left(text.indexOf(QLatin1Char('\t')));
-    if (text.endsWith(QStringLiteral("...")))
-        text.chop(3);
-    return text.remove(QLatin1Char('&')).toStdString();
-}
-
 struct CNyrListViewPrintDlg::Private
 {
     CNyrListViewPrint::PRINT_INFO* info;

@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "nyrwidgets/views/views_text_p.h"
+
 class CNyrListView;
 
 namespace nyr::views_detail {
@@ -12,9 +14,5 @@ namespace nyr::views_detail {
 // Runs the view's print command that `message` names (Print, PrintPreview,
 // ExportPdf); false for any other message.
 bool OnPrintCommand(CNyrListView& view, unsigned int message);
-
-// A menu text as a window title: without mnemonic, shortcut and ellipsis
-// ("&Print\tCtrl+P" gives "Print").
-std::string MenuTextAsTitle(unsigned int textId);
 
 }  // namespace nyr::views_detail

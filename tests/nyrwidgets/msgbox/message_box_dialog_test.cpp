@@ -12,64 +12,93 @@
 
 #include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
+#include "nyrwidgets/msgbox/message_box_p.h"
 
 namespace {
 
-struct StyleCase
-{
-    const char* name;
-    unsigned style;
-    int defaultValue;
-    std::vector<int> results;  // left to right
-    QStringList captions;
-    int cancelValue, defaultResult;
-};
-class DialogStyle : public ::testing::TestWithParam<StyleCase> {};
+using ButtonRow = nyr::msgbox::ButtonRow;
+using B = ButtonRow::Button;
 
-TEST_P(DialogStyle, ChoosesButtonsOrderCancelValueAndDefault)
+// Captions in the text table.
+constexpr unsigned kOk = 26099, kCancel = 26100, kYes = 26101, kNo = 26102, kAbort = 26103, kIgnore = 26104,
+                   kRetry = 26105, kSkip = 26106, kSkipAll = 26107, kNoToAll = 26108, kYesToAll = 26109,
+                   kIgnoreAll = 26110, kOkToAll = 26112, kTryAgain = 26113, kContinue = 26114;
+
+TEST(ButtonChoice, SetsExtendedButtonsCancelValueAndDefault)
 {
-    const StyleCase& c = GetParam();
-    CNyrMessageBoxDialog dialog(nullptr, "Text", "Caption", c.style, c.defaultValue, 1);
-    EXPECT_EQ(dialog.ButtonResults(), c.results);
-    QStringList captions;
-    int width = -1;
-    for (int result : dialog.ButtonResults()) {
-        QPushButton* button = dialog.Button(result);
-        captions << button->text();
-        // One width for all, enough for the widest caption.
-        if (width < 0)
-            width = button->width();
-        EXPECT_EQ(button->width(), width) << button->text().toStdString();
-        EXPECT_GE(width, button->fontMetrics().horizontalAdvance(button->text()));
+    const struct
+    {
+        const char* name;
+        unsigned style;
+        int defaultValue;
+        std::vector<B> buttons;
+        int cancelValue;
+        int defaultResult;
+    } rows[] = {
+        {"OK", NYR_MB_OK, 0, {{1, kOk}}, 1, 1},
+        {"OK, Cancel, second", NYR_MB_OKCANCEL | NYR_MB_DEFBUTTON2, 0, {{1, kOk}, {2, kCancel}}, 2, 2},
+        {"Abort, Retry, Ignore, third", NYR_MB_ABORTRETRYIGNORE | NYR_MB_DEFBUTTON3, 0,
+         {{3, kAbort}, {4, kRetry}, {5, kIgnore}}, 3, 5},
+        {"Yes, No, Cancel", NYR_MB_YESNOCANCEL, 0, {{6, kYes}, {7, kNo}, {2, kCancel}}, 2, 6},
+        {"Yes, No: Escape is No", NYR_MB_YESNO | NYR_MB_DEFBUTTON2, 0, {{6, kYes}, {7, kNo}}, 7, 7},
+        {"Retry, Cancel", NYR_MB_RETRYCANCEL, 0, {{4, kRetry}, {2, kCancel}}, 2, 4},
+        {"Try again, Continue, Cancel", NYR_MB_CANCELTRYCONTINUE, 0,
+         {{10, kTryAgain}, {11, kContinue}, {2, kCancel}}, 2, 10},
+        {"sets 7 to 15 are OK", 0xF, 0, {{1, kOk}}, 1, 1},
+        {"icon bits change nothing", NYR_MB_YESNO | NYR_MB_ICONQUESTION, 0, {{6, kYes}, {7, kNo}}, 7, 6},
+        {"fourth button of two is the first", NYR_MB_YESNO | NYR_MB_DEFBUTTON4, 0, {{6, kYes}, {7, kNo}}, 7, 6},
+        {"the remembered answer is the default", NYR_MB_YESNO, 7, {{6, kYes}, {7, kNo}}, 7, 7},
+        {"an answer not shown leaves the style's", NYR_MB_YESNO | NYR_MB_DEFBUTTON2, 104, {{6, kYes}, {7, kNo}},
+         7, 7},
+        {"Yes to all, No to all", NYR_MB_YESNOCANCEL | NYR_MB_YESTOALL | NYR_MB_NOTOALL, 0,
+         {{6, kYes}, {102, kYesToAll}, {7, kNo}, {103, kNoToAll}, {2, kCancel}}, 2, 6},
+        {"OK to all, Skip, Skip all", NYR_MB_OKCANCEL | NYR_MB_OKTOALL | NYR_MB_SKIP | NYR_MB_SKIPALL, 0,
+         {{1, kOk}, {101, kOkToAll}, {5, kSkip}, {104, kSkipAll}, {2, kCancel}}, 2, 1},
+        {"Skip renames the set's Ignore", NYR_MB_ABORTRETRYIGNORE | NYR_MB_SKIP | NYR_MB_IGNOREALL, 0,
+         {{3, kAbort}, {4, kRetry}, {5, kSkip}, {104, kIgnoreAll}}, 3, 3},
+        {"Ignore all and Skip all are one button", NYR_MB_OK | NYR_MB_IGNOREALL | NYR_MB_SKIPALL, 104,
+         {{1, kOk}, {104, kSkipAll}}, 1, 104},
+        {"extended buttons never change the cancel value", NYR_MB_YESNO | NYR_MB_NOTOALL | NYR_MB_DEFBUTTON3, 0,
+         {{6, kYes}, {7, kNo}, {103, kNoToAll}}, 7, 103},
+    };
+    for (const auto& r : rows) {
+        const ButtonRow row = nyr::msgbox::ChooseButtons(r.style, r.defaultValue);
+        EXPECT_EQ(row.buttons, r.buttons) << r.name;
+        EXPECT_EQ(row.cancelValue, r.cancelValue) << r.name;
+        ASSERT_LT(row.defaultIndex, row.buttons.size()) << r.name;
+        EXPECT_EQ(row.buttons[row.defaultIndex].result, r.defaultResult) << r.name;
     }
-    EXPECT_EQ(captions, c.captions);
-    EXPECT_EQ(dialog.CancelValue(), c.cancelValue);
-    EXPECT_EQ(dialog.DefaultResult(), c.defaultResult);
-    EXPECT_TRUE(dialog.Button(c.defaultResult)->isDefault());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Styles, DialogStyle,
-    ::testing::Values(
-        StyleCase{"Ok", NYR_MB_OK, 0, {1}, {"OK"}, 1, 1},
-        StyleCase{"OkCancelSecond", NYR_MB_OKCANCEL | NYR_MB_DEFBUTTON2, 0, {1, 2}, {"OK", "Cancel"}, 2, 2},
-        StyleCase{"AbortRetryIgnoreThird", NYR_MB_ABORTRETRYIGNORE | NYR_MB_DEFBUTTON3, 0, {3, 4, 5},
-                  {"Abort", "Retry", "Ignore"}, 3, 5},
-        StyleCase{"YesNoEscapeIsNo", NYR_MB_YESNO | NYR_MB_DEFBUTTON2, 0, {6, 7}, {"Yes", "No"}, 7, 7},
-        StyleCase{"CancelTryContinue", NYR_MB_CANCELTRYCONTINUE, 0, {10, 11, 2},
-                  {"&Try again", "&Continue", "Cancel"}, 2, 10},
-        StyleCase{"UnknownSetIsOk", 0x9, 0, {1}, {"OK"}, 1, 1},
-        StyleCase{"DefaultBeyondRowIsFirst", NYR_MB_YESNO | NYR_MB_DEFBUTTON4, 0, {6, 7}, {"Yes", "No"}, 7, 6},
-        StyleCase{"RememberedAnswerIsDefault", NYR_MB_YESNO, 7, {6, 7}, {"Yes", "No"}, 7, 7},
-        StyleCase{"AnswerNotShownLeavesStyleDefault", NYR_MB_YESNO | NYR_MB_DEFBUTTON2, 104, {6, 7}, {"Yes", "No"}, 7,
-                  7},
-        StyleCase{"YesNoToAll", NYR_MB_YESNOCANCEL | NYR_MB_YESTOALL | NYR_MB_NOTOALL, 0, {6, 102, 7, 103, 2},
-                  {"Yes", "Y&es to all", "No", "No &to all", "Cancel"}, 2, 6},
-        StyleCase{"OkToAllSkipSkipAll", NYR_MB_OKCANCEL | NYR_MB_OKTOALL | NYR_MB_SKIP | NYR_MB_SKIPALL, 0,
-                  {1, 101, 5, 104, 2}, {"OK", "OK to a&ll", "&Skip", "Skip &all", "Cancel"}, 2, 1},
-        StyleCase{"SkipRenamesIgnore", NYR_MB_ABORTRETRYIGNORE | NYR_MB_SKIP | NYR_MB_IGNOREALL, 0, {3, 4, 5, 104},
-                  {"Abort", "Retry", "&Skip", "I&gnore all"}, 3, 3}),
-    [](const ::testing::TestParamInfo<StyleCase>& row) { return std::string(row.param.name); });
+TEST(DialogButtons, ShowTheChosenRowOneWidthWithUniqueMnemonics)
+{
+    // "No &to all" beside "&Try again" would share T: the later one moves.
+    const unsigned styles[] = {NYR_MB_YESNO | NYR_MB_DEFBUTTON2,
+                               NYR_MB_CANCELTRYCONTINUE | NYR_MB_NOTOALL | NYR_MB_YESTOALL | NYR_MB_SKIPALL};
+    for (const unsigned style : styles) {
+        CNyrMessageBoxDialog dialog(nullptr, "Text", "Caption", style, 0, 1);
+        const ButtonRow row = nyr::msgbox::ChooseButtons(style, 0);
+        std::vector<int> results;
+        for (const B& b : row.buttons)
+            results.push_back(b.result);
+        EXPECT_EQ(dialog.ButtonResults(), results);
+        EXPECT_EQ(dialog.CancelValue(), row.cancelValue);
+        EXPECT_EQ(dialog.DefaultResult(), results[row.defaultIndex]);
+        EXPECT_TRUE(dialog.Button(dialog.DefaultResult())->isDefault());
+        QString mnemonics;
+        for (int result : results) {
+            const QPushButton* button = dialog.Button(result);
+            EXPECT_EQ(button->width(), dialog.Button(results.front())->width()) << button->text().toStdString();
+            EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()));
+            const qsizetype amp = button->text().indexOf(QLatin1Char('&'));
+            if (amp >= 0) {
+                const QChar letter = button->text().at(amp + 1).toLower();
+                EXPECT_FALSE(mnemonics.contains(letter)) << button->text().toStdString();
+                mnemonics += letter;
+            }
+        }
+    }
+}
 
 TEST(DialogLayout, IconCheckBoxAndPlainText)
 {

@@ -102,26 +102,38 @@ TEST(ListViewFindMatch, WordCaseAndFoldRules)
             << c.search << " in " << c.cell << " word " << c.word << " case " << c.matchCase;
     }
 
-    // The folded search against the obvious one, on texts of letters in both
-    // cases and of the bytes next to them.
+    // The matcher against the obvious one, on texts of letters in both cases,
+    // the bytes next to them, blanks and a byte that is not UTF-8 (so the
+    // ASCII rules hold), in cells of up to 40 bytes: each length up to and
+    // past the sixteen bytes the matcher reads a step.
     const auto fold = [](std::string t) {
         for (char& ch : t)
-            ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+            ch = (ch >= 'A' && ch <= 'Z') ? static_cast<char>(ch + ('a' - 'A')) : ch;
         return t;
     };
-    const char alphabet[] = "aAbB@`[{ \t";
+    const auto blank = [](const std::string& t, std::size_t at) { return at >= t.size() || t[at] == ' ' || t[at] == '\t'; };
+    const auto reference = [&](int word, int matchCase, const std::string& search, const std::string& cell) {
+        const std::string s = matchCase ? search : fold(search);
+        const std::string c = matchCase ? cell : fold(cell);
+        const std::size_t pos = c.find(s);
+        return pos != std::string::npos && (!word || ((pos == 0 || blank(c, pos - 1)) && blank(c, pos + s.size())));
+    };
+    const char alphabet[] = "aAbB@`[{ \t\xff";
     std::uint64_t x = 88172645463325252ULL;
+    const auto next = [&x] { return x ^= x << 13, x ^= x >> 7, x ^= x << 17; };
     const auto random = [&](std::size_t maxLength) {
         std::string t;
-        for (std::size_t n = (x ^= x << 13, x ^= x >> 7, x ^= x << 17) % (maxLength + 1); n > 0; --n)
-            t += alphabet[(x ^= x << 13, x ^= x >> 7, x ^= x << 17) % (sizeof alphabet - 1)];
+        for (std::size_t n = next() % (maxLength + 1); n > 0; --n)
+            t += alphabet[next() % (sizeof alphabet - 1)];
         return t;
     };
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 40000; ++i) {
         const std::string search = random(3) + "a";
         const std::string cell = random(40);
-        ASSERT_EQ(list.ItemStringMatches(0, 0, search, cell) != 0, fold(cell).find(fold(search)) != std::string::npos)
-            << search << " in " << cell;
+        const int word = static_cast<int>(next() % 2);
+        const int matchCase = static_cast<int>(next() % 2);
+        ASSERT_EQ(list.ItemStringMatches(word, matchCase, search, cell) != 0, reference(word, matchCase, search, cell))
+            << search << " in " << cell << " word " << word << " case " << matchCase;
     }
 }
 

@@ -2,6 +2,7 @@
 // the view while they are told of a change.
 #include <gtest/gtest.h>
 
+#include <QSignalSpy>
 #include <QTest>
 #include <functional>
 
@@ -244,6 +245,70 @@ TEST(ReportViewStates, ARowViewedWhileABatchOfHidingsIsToldIsToldAfterTheBatch)
                                                  {WM_NYR_REPORTVIEW_ITEM_DISABLE, W(view), 3},
                                                  {WM_NYR_REPORTVIEW_ITEM_ENABLE, W(view), 3}}));
     EXPECT_EQ(ledger.Faults(view), std::vector<std::string>());
+}
+
+TEST(ReportViewStates, ChangesMadeWithoutNoticeStillReachTheModelsObservers)
+{
+    // Subscribers are not told with notify 0, but anyone watching the
+    // model (a plan of the points, a proxy) must still see the row change:
+    // one change a row, and a batch told once at its end.
+    const struct
+    {
+        const char* name;
+        std::function<void(CNyrReportView&)> run;
+        int told;
+        std::vector<unsigned int> rows;  // real items whose rows are inside the signalled range
+    } ways[] = {
+        {"select", [](CNyrReportView& v) { v.SelectRealItem(2, 1, 0); }, 1, {2}},
+        {"check", [](CNyrReportView& v) { v.CheckRealItem(4, 1, 0); }, 1, {4}},
+        {"disable", [](CNyrReportView& v) { v.DisableRealItem(1, 1, 0); }, 1, {1}},
+        {"select all", [](CNyrReportView& v) { v.SelectAllItems(1, 0); }, 1, {0, 1, 2, 3, 4, 5, 6}},
+        {"check all", [](CNyrReportView& v) { v.CheckAllItems(1, 0); }, 1, {0, 1, 2, 3, 4, 5, 6}},
+        {"check some", [](CNyrReportView& v) { v.CheckRealItems({5, 1}, 1, 0); }, 1, {1, 5}},
+        {"unchanged", [](CNyrReportView& v) { v.CheckRealItem(0, 0, 0); }, 0, {}},
+    };
+    for (const auto& way : ways) {
+        StateView s;
+        s.view.SortList(std::vector<CNyrReportView::SORT_STATE_REALCOL>{{0, 0}});  // rows in reverse
+        s.Clear();
+        QSignalSpy changed(s.view.model(), &QAbstractItemModel::dataChanged);
+        way.run(s.view);
+        ASSERT_EQ(changed.size(), way.told) << way.name;
+        EXPECT_TRUE(s.ledger.received.empty()) << way.name;
+        for (unsigned int r : way.rows) {
+            const int row = s.view.ScreenItemFromReal(r);
+            const auto first = changed.front().at(0).value<QModelIndex>();
+            const auto last = changed.front().at(1).value<QModelIndex>();
+            EXPECT_TRUE(first.row() <= row && row <= last.row()) << way.name << ": item " << r;
+            EXPECT_EQ(last.column(), s.view.GetColumnCount() - 1) << way.name;
+        }
+    }
+}
+
+TEST(ReportViewStates, SubscribersChangedWhileAMessageGoesRoundHearFromTheNextMessageOn)
+{
+    // While item 1's selection goes round, the first subscriber takes the
+    // second off and subscribes a third. The message reaches the subscribers
+    // it started with; the next one those that are subscribed then.
+    CNyrReportView view;
+    Fill(view, 3);
+    Subscriber first, second, third;
+    first.onMessage = [&](const Msg& m) {
+        if (m.lParam != 1)
+            return;
+        view.RemoveItemNotification(&second, CNyrReportView::NotifyItemAll);
+        for (int i = 0; i < 64; ++i)  // enough to move a list that grows in place
+            view.AddItemNotification(&third, CNyrReportView::NotifyItemSelect);
+    };
+    view.AddItemNotification(&first, CNyrReportView::NotifyItemSelect);
+    view.AddItemNotification(&second, CNyrReportView::NotifyItemSelect);
+    view.SelectRealItem(1, 1);
+    view.SelectRealItem(2, 1);
+    const Msg one{WM_NYR_REPORTVIEW_ITEM_SELECT, W(view), 1};
+    const Msg two{WM_NYR_REPORTVIEW_ITEM_SELECT, W(view), 2};
+    EXPECT_EQ(first.received, (std::vector<Msg>{one, two}));
+    EXPECT_EQ(second.received, std::vector<Msg>{one});
+    EXPECT_EQ(third.received, std::vector<Msg>{two});
 }
 
 }  // namespace
