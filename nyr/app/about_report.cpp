@@ -3,6 +3,7 @@
 #include <sys/utsname.h>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/version_check.h"
 #include "nyr/platform/string_format.h"
 
@@ -34,20 +35,21 @@ std::vector<CNyrAboutLine> NyrAboutLines(const std::string& appName, const std::
                                          const std::vector<CNyrAboutLine>& more)
 {
     std::vector<CNyrAboutLine> lines;
-    lines.emplace_back(NyrLoadString(26424), appVersion.empty() ? appName : appName + " " + appVersion);
-    lines.emplace_back(NyrLoadString(26425), std::string("Nyr240 ") + NyrLibraryVersion());
+    lines.emplace_back(NyrLoadString(NYR_IDS_ABOUT_APPLICATION),
+                       appVersion.empty() ? appName : appName + " " + appVersion);
+    lines.emplace_back(NyrLoadString(NYR_IDS_ABOUT_LIBRARY), std::string("Nyr240 ") + NyrLibraryVersion());
     lines.insert(lines.end(), more.begin(), more.end());
     utsname system{};
     if (uname(&system) == 0)
-        lines.emplace_back(NyrLoadString(26427),
+        lines.emplace_back(NyrLoadString(NYR_IDS_ABOUT_SYSTEM),
                            std::string(system.sysname) + " " + system.release + " " + system.machine);
     eNyrRequirements missing = NYR_REQUIREMENTS_MET;
     std::string message;
-    lines.emplace_back(NyrLoadString(26428),
+    lines.emplace_back(NyrLoadString(NYR_IDS_ABOUT_REQUIREMENTS),
                        NyrCheckAllRequirements(missing, message)
-                           ? NyrLoadString(26429)
-                           : NyrFormat(NyrLoadString(26430).c_str(), static_cast<int>(missing),
-                                                   OneLine(message).c_str()));
+                           ? NyrLoadString(NYR_IDS_ABOUT_REQUIREMENTS_MET)
+                           : NyrFormat(NyrLoadString(NYR_IDS_ABOUT_NOT_MET).c_str(), static_cast<int>(missing),
+                                       OneLine(message).c_str()));
     return lines;
 }
 

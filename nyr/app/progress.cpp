@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 
 CNyrProgress::CNyrProgress() : m_start(Clock::now().time_since_epoch().count()) {}
@@ -73,11 +74,11 @@ CNyrProgress::Snapshot CNyrProgress::Read() const
 std::string NyrFormatSize(std::uint64_t bytes)
 {
     if (bytes < 1024)
-        return NyrFormat(NyrLoadString(26197).c_str(), static_cast<int>(bytes));
+        return NyrFormat(NyrLoadString(NYR_IDS_SIZE_BYTES).c_str(), static_cast<int>(bytes));
     double value = static_cast<double>(bytes) / 1024.0;
-    unsigned id = 26198;  // KB, then MB, GB, TB
+    unsigned id = NYR_IDS_SIZE_KB;  // KB, then MB, GB, TB
     // 1023.96 KB would show as "1024.0 KB": it is "1.0 MB".
-    while (value >= 1023.95 && id < 26201) {
+    while (value >= 1023.95 && id < NYR_IDS_SIZE_TB) {
         value /= 1024.0;
         ++id;
     }

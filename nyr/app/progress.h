@@ -74,7 +74,7 @@ private:
 };
 
 // A size for people: "%d bytes" below 1 KB, else KB, MB, GB or TB (of 1024)
-// with one decimal ("%.*f KB", texts 26197 to 26201 of the text table).
+// with one decimal ("%.*f KB", texts NYR_IDS_SIZE_BYTES to NYR_IDS_SIZE_TB of the text table).
 // Loads texts: for the user-interface thread.
 NYR_EXPORT std::string NyrFormatSize(std::uint64_t bytes);
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "nyr/frame/text_ids.h"  // the library's texts by name
 #include "nyr/platform/export.h"
 
 // A resource module is a catalogue of numbered texts. The library's own

@@ -2,6 +2,10 @@
 // interface: hosts and language modules refer to them. Keep the table sorted.
 #include "nyr/frame/text_table_p.h"
 
+#include <algorithm>
+
+#include "nyr/frame/text_ids.h"
+
 namespace {
 
 constexpr CNyrBuiltinText kTexts[] = {
@@ -390,6 +394,27 @@ constexpr bool IsSorted()
     return true;
 }
 static_assert(IsSorted(), "the text table must stay sorted by number, without duplicates");
+
+// Each name of text_ids.def has its text, and as many names as texts: with
+// the table free of duplicates, every text has exactly one name.
+constexpr unsigned kNamed[] = {
+#define NYR_TEXT_ID(name, number) NYR_IDS_##name,
+#include "nyr/frame/text_ids.def"
+#undef NYR_TEXT_ID
+};
+
+constexpr bool EveryNameHasText()
+{
+    for (const unsigned id : kNamed) {
+        const auto* at = std::lower_bound(std::begin(kTexts), std::end(kTexts), id,
+                                          [](const CNyrBuiltinText& text, unsigned n) { return text.id < n; });
+        if (at == std::end(kTexts) || at->id != id)
+            return false;
+    }
+    return true;
+}
+static_assert(EveryNameHasText(), "a name in text_ids.def has no text in the table");
+static_assert(std::size(kNamed) == std::size(kTexts), "a text of the table has no name in text_ids.def");
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "nyr/frame/message_box_style.h"
 #include "nyr/platform/export.h"
 
 // The few places where the toolkit-free core touches the user interface go
@@ -12,9 +13,9 @@
 // linker flags, --as-needed included.
 
 using NyrWaitCursorHook = void (*)();
-// Shows `text` modally; `style` takes the platform's message-box style
-// values (MB_OK = 0, MB_ICONERROR = 0x10, ...). Returns the result code of
-// the button pressed (1 OK, 2 Cancel, ...).
+// Shows `text` modally; `style` takes the eNyrMessageBoxStyle values
+// (NYR_MB_OK, NYR_MB_ICONERROR, ...). Returns the eNyrMessageBoxResult of the
+// button pressed (NYR_IDOK, NYR_IDCANCEL, ...).
 using NyrMessageBoxHook = int (*)(const std::string& text, const std::string& caption, unsigned style);
 // Disables (false) the application's main window while another program
 // holds the user, such as the mail client of a mail hand-off; enabling

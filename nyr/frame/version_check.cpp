@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
 
@@ -164,17 +165,17 @@ bool NyrFixedFileInfoMfc(VS_FIXEDFILEINFO& info, unsigned long* errorCode, std::
 
 bool NyrCheckComCtl32Version(std::string& message)
 {
-    return Check471(kComCtl32, 26000, message);
+    return Check471(kComCtl32, NYR_IDS_VERSION_COMCTL32, message);
 }
 
 bool NyrCheckShell32Version(std::string& message)
 {
-    return Check471(kShell32, 26001, message);
+    return Check471(kShell32, NYR_IDS_VERSION_SHELL32, message);
 }
 
 bool NyrCheckShlwapiVersion(std::string& message)
 {
-    return Check471(kShlwapi, 26002, message);
+    return Check471(kShlwapi, NYR_IDS_VERSION_SHLWAPI, message);
 }
 
 bool NyrCheckMfcVersion(std::string& message)
@@ -185,7 +186,7 @@ bool NyrCheckMfcVersion(std::string& message)
     message.clear();
     if (Major(info) >= 7)
         return true;
-    message = FoundMessage(26004, Major(info), Minor(info), 7, 0);
+    message = FoundMessage(NYR_IDS_VERSION_MFC70, Major(info), Minor(info), 7, 0);
     return false;
 }
 
@@ -198,7 +199,7 @@ bool NyrCheckShFolderVersion(std::string& message)
     // Shell32's version decides and the Shell32 text reports: intended.
     if (Major(shell32) >= 4)
         return true;
-    message = FoundMessage(26001, Major(shell32), Minor(shell32), 4, 0);
+    message = FoundMessage(NYR_IDS_VERSION_SHELL32, Major(shell32), Minor(shell32), 4, 0);
     return false;
 }
 

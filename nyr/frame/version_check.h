@@ -103,10 +103,9 @@ NYR_EXPORT bool NyrFixedFileInfoMfc(VS_FIXEDFILEINFO& info, unsigned long* error
 // ("ComCtl32.dll: ") and the system's text (library missing) or the text
 // table's "... V%d.%d found ..." message filled with found and required
 // versions.
-//   ComCtl32, Shell32, Shlwapi: 4.71 or later (text 26000, 26001, 26002)
-//   MFC: major 7 or later (text 26004)
-//   ShFolder: Shell32's major 4 or later and ShFolder loadable; it tests
-//   Shell32's version and reports with the Shell32 text 26001. Intended.
+//   ComCtl32, Shell32, Shlwapi: 4.71 or later (text NYR_IDS_VERSION_COMCTL32, NYR_IDS_VERSION_SHELL32,
+//   NYR_IDS_VERSION_SHLWAPI) MFC: major 7 or later (text NYR_IDS_VERSION_MFC70) ShFolder: Shell32's major 4 or later
+//   and ShFolder loadable; it tests Shell32's version and reports with the Shell32 text 26001. Intended.
 NYR_EXPORT bool NyrCheckComCtl32Version(std::string& message);
 NYR_EXPORT bool NyrCheckShell32Version(std::string& message);
 NYR_EXPORT bool NyrCheckShlwapiVersion(std::string& message);

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/mail/mail_client_p.h"
 #include "nyr/mail/mail_text_p.h"
@@ -19,13 +20,6 @@ using NyrMailClient::FindProgram;
 using NyrMailHelper::MAIL_ADDRESS;
 
 namespace {
-
-enum : unsigned
-{
-    kTextCannotStart = 26293,
-    kTextNotWorking = 26294,
-    kMessageBoxIconError = 0x10,
-};
 
 std::string& CommandDefaultValue()
 {
@@ -229,11 +223,11 @@ int CNyrMapiSendMail::InitializeMapiLib()
     if (!program.empty())
         check = NyrMailClient::Run({program, "--version"}, true, true);
     if (check.spawnError) {
-        NyrMessageBox(NyrLoadString(kTextCannotStart), {}, kMessageBoxIconError);
+        NyrMessageBox(NyrLoadString(NYR_IDS_MAIL_CLIENT_NOT_STARTED), {}, NYR_MB_ICONERROR);
         return 0;
     }
     if (!check.finished || !WIFEXITED(check.status) || WEXITSTATUS(check.status) != 0) {
-        NyrMessageBox(NyrLoadString(kTextNotWorking), {}, kMessageBoxIconError);
+        NyrMessageBox(NyrLoadString(NYR_IDS_MAIL_CLIENT_HAND_OFF_BROKEN), {}, NYR_MB_ICONERROR);
         return 0;
     }
     m_program = program;
@@ -356,7 +350,7 @@ int CNyrMapiSendMail::Send(const std::vector<MAIL_ADDRESS>* to, const std::vecto
         return 1;
     std::string message;
     GetMAPISendMailErrorString(result, message);
-    NyrMessageBox(message, {}, kMessageBoxIconError);
+    NyrMessageBox(message, {}, NYR_MB_ICONERROR);
     return 0;
 }
 
@@ -364,20 +358,20 @@ void CNyrMapiSendMail::GetMAPISendMailErrorString(unsigned long code, std::strin
 {
     unsigned id;
     switch (code) {
-    case 1: id = 26147; break;
-    case 3: id = 26141; break;
-    case 5: id = 26139; break;
-    case 9: id = 26143; break;
-    case 10: id = 26144; break;
-    case 11: id = 26136; break;
-    case 12: id = 26137; break;
-    case 14: id = 26145; break;
-    case 15: id = 26138; break;
-    case 18: id = 26142; break;
-    case 19: id = 26149; break;
-    case 21: id = 26135; break;
-    case 25: id = 26140; break;
-    default: id = 26146; break;
+    case 1: id = NYR_IDS_MAPI_USER_ABORT; break;
+    case 3: id = NYR_IDS_MAPI_LOGIN_FAILURE; break;
+    case 5: id = NYR_IDS_MAPI_INSUFFICIENT_MEMORY; break;
+    case 9: id = NYR_IDS_MAPI_TOO_MANY_FILES; break;
+    case 10: id = NYR_IDS_MAPI_TOO_MANY_RECIPIENTS; break;
+    case 11: id = NYR_IDS_MAPI_ATTACHMENT_NOT_FOUND; break;
+    case 12: id = NYR_IDS_MAPI_ATTACHMENT_OPEN_FAILURE; break;
+    case 14: id = NYR_IDS_MAPI_UNKNOWN_RECIPIENT; break;
+    case 15: id = NYR_IDS_MAPI_BAD_RECIPIENT_TYPE; break;
+    case 18: id = NYR_IDS_MAPI_TEXT_TOO_LARGE; break;
+    case 19: id = NYR_IDS_MAPI_INVALID_SESSION; break;
+    case 21: id = NYR_IDS_MAPI_AMBIGUOUS_RECIPIENT; break;
+    case 25: id = NYR_IDS_MAPI_INVALID_RECIPIENTS; break;
+    default: id = NYR_IDS_MAPI_FAILURE; break;
     }
     text = NyrLoadString(id);
 }
@@ -386,11 +380,11 @@ void CNyrMapiSendMail::GetMAPILogonErrorString(unsigned long code, std::string& 
 {
     unsigned id;
     switch (code) {
-    case 1: id = 26147; break;
-    case 3: id = 26141; break;
-    case 5: id = 26139; break;
-    case 8: id = 26148; break;
-    default: id = 26146; break;  // 2 included
+    case 1: id = NYR_IDS_MAPI_USER_ABORT; break;
+    case 3: id = NYR_IDS_MAPI_LOGIN_FAILURE; break;
+    case 5: id = NYR_IDS_MAPI_INSUFFICIENT_MEMORY; break;
+    case 8: id = NYR_IDS_MAPI_TOO_MANY_SESSIONS; break;
+    default: id = NYR_IDS_MAPI_FAILURE; break;  // 2 included
     }
     text = NyrLoadString(id);
 }
@@ -399,9 +393,9 @@ void CNyrMapiSendMail::GetMAPILogoffErrorString(unsigned long code, std::string&
 {
     unsigned id;
     switch (code) {
-    case 5: id = 26139; break;
-    case 19: id = 26149; break;
-    default: id = 26146; break;  // 2 included
+    case 5: id = NYR_IDS_MAPI_INSUFFICIENT_MEMORY; break;
+    case 19: id = NYR_IDS_MAPI_INVALID_SESSION; break;
+    default: id = NYR_IDS_MAPI_FAILURE; break;  // 2 included
     }
     text = NyrLoadString(id);
 }

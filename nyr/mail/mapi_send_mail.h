@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "nyr/frame/text_ids.h"
 #include "nyr/mail/mail_message.h"
 #include "nyr/platform/export.h"
 
@@ -108,8 +109,7 @@ public:
         MAPI_DIALOG = 0x8,
     };
     // Result codes (those this class returns; the error texts know more).
-    enum : unsigned long
-    {
+    enum : unsigned long {
         SUCCESS_SUCCESS = 0,
         MAPI_USER_ABORT = 1,
         MAPI_E_FAILURE = 2,
@@ -121,7 +121,7 @@ public:
         // Returned by SendMail, Logon and Logoff before InitializeMapiLib
         // succeeded: the number of the text "One or more unspecified errors
         // occurred.", returned as a result code on purpose.
-        NOT_INITIALIZED = 26146,
+        NOT_INITIALIZED = NYR_IDS_MAPI_FAILURE,
     };
 
     // available = the command (CommandDefault()) is found. Nothing is run yet.

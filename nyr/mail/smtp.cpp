@@ -7,16 +7,14 @@
 #include <climits>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/mail/mail_message.h"
 #include "nyr/mail/mail_text_p.h"
 #include "nyr/mail/smtp_channel_p.h"
-#include "nyr/mail/smtp_p.h"
 #include "nyr/mail/smtp_reply_p.h"
 #include "nyr/platform/file_read.h"
 #include "nyr/platform/string_format.h"
-
-using namespace NyrSmtpText;
 
 namespace {
 
@@ -31,22 +29,22 @@ unsigned SocketErrorText(int error)
     switch (error) {
     case ENETDOWN:
     case ENETUNREACH:
-    case EHOSTUNREACH: return kSocketNetworkDown;
-    case ENOTCONN: return kSocketNotConnected;
+    case EHOSTUNREACH: return NYR_IDS_SOCKET_NETWORK_DOWN;
+    case ENOTCONN: return NYR_IDS_SOCKET_NOT_CONNECTED;
     case EINPROGRESS:
-    case EALREADY: return kSocketInProgress;
+    case EALREADY: return NYR_IDS_SOCKET_IN_PROGRESS;
     case ENOTSOCK:
-    case EBADF: return kSocketNotSocket;
-    case EOPNOTSUPP: return kSocketNotStream;
-    case ESHUTDOWN: return kSocketShutDown;
-    case EAGAIN: return kSocketWouldBlock;
-    case EMSGSIZE: return kSocketTooLarge;
-    case EINVAL: return kSocketInvalid;
+    case EBADF: return NYR_IDS_SOCKET_NOT_SOCKET;
+    case EOPNOTSUPP: return NYR_IDS_SOCKET_NOT_STREAM;
+    case ESHUTDOWN: return NYR_IDS_SOCKET_SHUT_DOWN;
+    case EAGAIN: return NYR_IDS_SOCKET_WOULD_BLOCK;
+    case EMSGSIZE: return NYR_IDS_SOCKET_TOO_LARGE;
+    case EINVAL: return NYR_IDS_SOCKET_INVALID;
     case ECONNABORTED:
-    case ETIMEDOUT: return kSocketAborted;
+    case ETIMEDOUT: return NYR_IDS_SOCKET_ABORTED;
     case ECONNRESET:
-    case EPIPE: return kSocketReset;
-    default: return kSocketError;
+    case EPIPE: return NYR_IDS_SOCKET_RESET;
+    default: return NYR_IDS_SOCKET_ERROR;
     }
 }
 
@@ -77,10 +75,10 @@ std::string AuthBase64(const std::string& data)
 }  // namespace
 
 const CNyrSmtp::RESPONSE_CODE CNyrSmtp::s_ResponseTable[4] = {
-    {250, 26151},
-    {220, 26152},
-    {354, 26153},
-    {221, 26154},
+    {250, NYR_IDS_SMTP_SERVER_ERROR},
+    {220, NYR_IDS_SMTP_NOT_AVAILABLE},
+    {354, NYR_IDS_SMTP_NOT_READY_FOR_DATA},
+    {221, NYR_IDS_SMTP_NO_QUIT},
 };
 
 CNyrSmtp::CNyrSmtp(std::string server, unsigned port)
@@ -267,7 +265,7 @@ bool CNyrSmtp::ReadReply(std::string& reply)
 int CNyrSmtp::GetResponse(unsigned index)
 {
     if (index >= std::size(s_ResponseTable)) {
-        SetError(kSmtpError, 0);
+        SetError(NYR_IDS_SMTP_ERROR, 0);
         return 0;
     }
     std::string reply;
@@ -336,15 +334,15 @@ bool CNyrSmtp::SecureChannel()
     // must not block or feed the client for ever.
     std::string pem;
     if (!m_trustFile.empty() && !NyrReadRegularFile(m_trustFile, kMaxTrustFile, pem)) {
-        SetError(kTlsUntrusted, 0);
+        SetError(NYR_IDS_SMTP_TLS_UNTRUSTED, 0);
         return false;
     }
     switch (m_socket->StartTls(m_server, pem, m_timeouts.connect)) {
     case CNyrSmtpChannel::TLS_DONE: return true;
-    case CNyrSmtpChannel::TLS_UNTRUSTED: SetError(kTlsUntrusted, 0); return false;
+    case CNyrSmtpChannel::TLS_UNTRUSTED: SetError(NYR_IDS_SMTP_TLS_UNTRUSTED, 0); return false;
     case CNyrSmtpChannel::TLS_FAILED: break;
     }
-    SetError(kTlsFailed, 0);
+    SetError(NYR_IDS_SMTP_TLS_FAILED, 0);
     return false;
 }
 
@@ -364,12 +362,12 @@ bool CNyrSmtp::Hello(std::string& reply)
 
 bool CNyrSmtp::StartTls()
 {
-    if (!Expect(220, kNoStartTls, "STARTTLS\r\n"))
+    if (!Expect(220, NYR_IDS_SMTP_NO_STARTTLS, "STARTTLS\r\n"))
         return false;
     // Bytes that came with the 220 were sent before the handshake and could
     // have been injected on the way; nothing may be taken from them.
     if (!m_pending.empty()) {
-        SetError(kTlsFailed, 0);
+        SetError(NYR_IDS_SMTP_TLS_FAILED, 0);
         return false;
     }
     return SecureChannel();
@@ -379,13 +377,13 @@ bool CNyrSmtp::LogIn(const std::string& ehloReply)
 {
     const CNyrSmtpExtensions offered = NyrSmtpExtensions(ehloReply);
     if (offered.authPlain)
-        return Expect(235, kAuthFailed, "AUTH PLAIN " + AuthBase64(std::string(1, '\0') + m_user + '\0' + m_password) +
-                                            "\r\n");
+        return Expect(235, NYR_IDS_SMTP_AUTH_FAILED,
+                      "AUTH PLAIN " + AuthBase64(std::string(1, '\0') + m_user + '\0' + m_password) + "\r\n");
     if (offered.authLogin)
-        return Expect(334, kAuthFailed, "AUTH LOGIN\r\n") &&
-               Expect(334, kAuthFailed, AuthBase64(m_user) + "\r\n") &&
-               Expect(235, kAuthFailed, AuthBase64(m_password) + "\r\n");
-    SetError(kAuthNoMechanism, 0);
+        return Expect(334, NYR_IDS_SMTP_AUTH_FAILED, "AUTH LOGIN\r\n") &&
+               Expect(334, NYR_IDS_SMTP_AUTH_FAILED, AuthBase64(m_user) + "\r\n") &&
+               Expect(235, NYR_IDS_SMTP_AUTH_FAILED, AuthBase64(m_password) + "\r\n");
+    SetError(NYR_IDS_SMTP_AUTH_NO_MECHANISM, 0);
     return false;
 }
 
@@ -403,7 +401,7 @@ bool CNyrSmtp::Greet()
     if (ok && m_security == SECURITY_STARTTLS) {
         // Never a silent fall-back to plain text.
         if (!NyrSmtpExtensions(capabilities).startTls) {
-            SetError(kNoStartTls, 0);
+            SetError(NYR_IDS_SMTP_NO_STARTTLS, 0);
             return false;
         }
         ok = StartTls() && Hello(capabilities);  // RFC 3207: forget what was offered before TLS
@@ -419,11 +417,11 @@ int CNyrSmtp::Connect()
     if (m_connected)
         return 1;
     if (m_server.empty()) {
-        SetError(kNameEmpty, 0);
+        SetError(NYR_IDS_SMTP_NAME_EMPTY, 0);
         return 0;
     }
     if (!m_user.empty() && m_security == SECURITY_NONE) {
-        SetError(kAuthNeedsTls, 0);
+        SetError(NYR_IDS_SMTP_AUTH_NEEDS_TLS, 0);
         return 0;
     }
     m_pending.clear();
@@ -431,15 +429,15 @@ int CNyrSmtp::Connect()
     m_pipelined = false;
     switch (m_socket->Open(m_server, m_port, m_timeouts.connect)) {
     case CNyrSmtpChannel::OPEN_DONE: break;
-    case CNyrSmtpChannel::OPEN_NO_SOCKET: SetError(kNoSocket, 0); return 0;
-    case CNyrSmtpChannel::OPEN_NO_CONNECT: SetError(kNoConnect, 0); return 0;
+    case CNyrSmtpChannel::OPEN_NO_SOCKET: SetError(NYR_IDS_SMTP_NO_SOCKET, 0); return 0;
+    case CNyrSmtpChannel::OPEN_NO_CONNECT: SetError(NYR_IDS_SMTP_NO_CONNECT, 0); return 0;
     }
     if (m_security == SECURITY_TLS && !SecureChannel()) {
         Abort();
         return 0;
     }
     if (!Await(1, m_timeouts.greeting)) {
-        SetError(kNoGreeting, 0);
+        SetError(NYR_IDS_SMTP_NO_GREETING, 0);
         Abort();
         return 0;
     }

@@ -3,14 +3,12 @@
 #include <cerrno>
 #include <deque>
 
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/mail/mail_message.h"
 #include "nyr/mail/smtp.h"
 #include "nyr/mail/smtp_channel_p.h"
-#include "nyr/mail/smtp_p.h"
 #include "nyr/mail/smtp_reply_p.h"
-
-using namespace NyrSmtpText;
 
 namespace {
 
@@ -39,7 +37,7 @@ unsigned CNyrSmtp::SendMailMessages(const std::vector<CNyrMailMessage*>& message
     std::vector<int> sent(messages.size(), 0);
     unsigned accepted = 0;
     if (!m_connected) {
-        SetError(kNotConnected, 0);
+        SetError(NYR_IDS_SMTP_NOT_CONNECTED, 0);
     } else if (m_pipelined) {
         CNyrBusyCursor busy;
         accepted = SendPipelined(messages, sent);

@@ -1,20 +1,18 @@
 // CNyrSmtp: one mail transaction (MAIL, RCPT, DATA) and the data it sends.
 #include <cerrno>
 
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/mail/mail_message.h"
 #include "nyr/mail/mail_text_p.h"
 #include "nyr/mail/smtp.h"
 #include "nyr/mail/smtp_channel_p.h"
 #include "nyr/mail/smtp_data_p.h"
-#include "nyr/mail/smtp_p.h"
-
-using namespace NyrSmtpText;
 
 int CNyrSmtp::SendMailMessage(CNyrMailMessage* message)
 {
     if (!m_connected) {
-        SetError(kNotConnected, 0);
+        SetError(NYR_IDS_SMTP_NOT_CONNECTED, 0);
         return 0;
     }
     CNyrBusyCursor busy;
@@ -39,11 +37,11 @@ bool CNyrSmtp::TakeEnvelope(const CNyrMailMessage& message, std::string& sender,
 {
     sender = message.From().address;
     if (sender.empty()) {
-        SetError(kNoSender, 0);
+        SetError(NYR_IDS_SMTP_NO_SENDER, 0);
         return false;
     }
     if (message.GetNumRecipients() == 0) {
-        SetError(kNoRecipient, 0);
+        SetError(NYR_IDS_SMTP_NO_RECIPIENT, 0);
         return false;
     }
     recipients.clear();
@@ -57,8 +55,8 @@ bool CNyrSmtp::TakeEnvelope(const CNyrMailMessage& message, std::string& sender,
     // ("a@x.org> SIZE=1"). Refused before anything is sent; the sender gets
     // the same check as the recipients, whose message class may be lax.
     auto faultOf = [](const std::string& address) -> unsigned {
-        return NyrMailText::HasControlCharacter(address) ? kControlCharacter
-               : !NyrMailText::IsMailAddress(address)    ? kInvalidAddress
+        return NyrMailText::HasControlCharacter(address) ? NYR_IDS_MAIL_ADDRESS_CONTROL
+               : !NyrMailText::IsMailAddress(address)    ? NYR_IDS_MAIL_ADDRESS_INVALID
                                                          : 0u;
     };
     unsigned fault = faultOf(sender);
@@ -76,7 +74,7 @@ int CNyrSmtp::TransmitMailMessage(CNyrMailMessage* message)
     if (!message)
         return 0;
     if (!m_connected) {
-        SetError(kNotConnected, 0);
+        SetError(NYR_IDS_SMTP_NOT_CONNECTED, 0);
         return 0;
     }
     if (m_pipelined) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
 #include "nyr/time/leap_seconds_p.h"
@@ -220,9 +221,11 @@ int CNyrTimeHelper::ImportLeapSecondsList(const std::string& path, bool* expired
         if (!Save(rows)) {
             const int code = errno;
             if (problem)
-                *problem = code ? NyrFormat(NyrLoadString(26336).c_str(), NyrGetProfilePath().c_str(),
+                *problem = code ? NyrFormat(NyrLoadString(NYR_IDS_LEAP_TABLE_CANNOT_WRITE_BECAUSE).c_str(),
+                                            NyrGetProfilePath().c_str(),
                                             NyrSystemErrorText(static_cast<unsigned long>(code)).c_str())
-                                : NyrFormat(NyrLoadString(26337).c_str(), NyrGetProfilePath().c_str());
+                                : NyrFormat(NyrLoadString(NYR_IDS_LEAP_TABLE_CANNOT_WRITE).c_str(),
+                                            NyrGetProfilePath().c_str());
             return -1;
         }
     }

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/ascii_p.h"
 #include "nyr/platform/file_read.h"
 #include "nyr/platform/string_format.h"
@@ -140,26 +141,26 @@ bool ReadLeapSecondsList(const std::string& path, LeapSecondsList& list, std::st
     list = LeapSecondsList{};
     std::string text, error;
     if (!NyrReadRegularFile(path, kMaxListBytes, text, &error)) {
-        problem = NyrFormat(NyrLoadString(26330).c_str(), error.c_str());
+        problem = NyrFormat(NyrLoadString(NYR_IDS_LEAP_LIST_UNREADABLE).c_str(), error.c_str());
         return false;
     }
     std::string hashed;
     bool hasHash = false;
     uint32_t hash[5] = {};
     if (const int bad = ReadLines(text, list, hashed, hasHash, hash)) {
-        problem = Text(26331, path, bad);
+        problem = Text(NYR_IDS_LEAP_LIST_BAD_LINE, path, bad);
         return false;
     }
     if (!hasHash) {
-        problem = Text(26332, path);
+        problem = Text(NYR_IDS_LEAP_LIST_NO_HASH, path);
         return false;
     }
     if (!HashMatches(hashed, hash)) {
-        problem = Text(26333, path);
+        problem = Text(NYR_IDS_LEAP_LIST_BAD_HASH, path);
         return false;
     }
     if (list.rows.empty()) {
-        problem = Text(26335, path);
+        problem = Text(NYR_IDS_LEAP_LIST_EMPTY, path);
         return false;
     }
     // Each row is a later day with one second more: a row lost in the middle
@@ -168,7 +169,7 @@ bool ReadLeapSecondsList(const std::string& path, LeapSecondsList& list, std::st
         const LeapRow& row = list.rows[r];
         const LeapRow& before = list.rows[r - 1];
         if (row.ntp <= before.ntp || row.taiMinusUtc != before.taiMinusUtc + 1) {
-            problem = Text(26334, path, row.line);
+            problem = Text(NYR_IDS_LEAP_LIST_OUT_OF_ORDER, path, row.line);
             return false;
         }
     }

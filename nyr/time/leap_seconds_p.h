@@ -30,7 +30,7 @@ struct LeapSecondsList
 // defines (the digits of "#$", of "#@", then of each row's two numbers, in
 // that order, without separators); there is a row, and each row is a later
 // day than the one before with TAI-UTC one second more. False, with the
-// reason from the text table (26330 to 26335) in `problem`, otherwise.
+// reason from the text table (NYR_IDS_LEAP_LIST_UNREADABLE to NYR_IDS_LEAP_LIST_EMPTY) in `problem`, otherwise.
 bool ReadLeapSecondsList(const std::string& path, LeapSecondsList& list, std::string& problem);
 
 }  // namespace nyr::time

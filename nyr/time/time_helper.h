@@ -185,10 +185,9 @@ public:
     // Returns the number of rows the table gained (0 when it was up to
     // date), or -1 with nothing added and nothing stored when the list is
     // refused or the settings file cannot be written; `problem` then
-    // receives the reason (text table 26330 to 26337, with the system's
-    // text where it has one). *expired tells whether the list's expiry date
-    // has passed (false without an expiry line); a list past its expiry is
-    // still imported, its caller decides whether to warn.
+    // receives the reason (text table NYR_IDS_LEAP_LIST_UNREADABLE to NYR_IDS_LEAP_TABLE_CANNOT_WRITE, with the
+    // system's text where it has one). *expired tells whether the list's expiry date has passed (false without an
+    // expiry line); a list past its expiry is still imported, its caller decides whether to warn.
     static int ImportLeapSecondsList(const std::string& path = SystemLeapSecondsList(), bool* expired = nullptr,
                                      std::string* problem = nullptr);
 };

@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
 #include "nyr/platform/user_folders_p.h"
@@ -138,16 +139,19 @@ std::string NyrGetProfileError()
     const auto text = [](unsigned id) { return NyrLoadString(id); };
     switch (status.problem) {
     case ProfileProblem::kNone: return {};
-    case ProfileProblem::kLocked: return NyrFormat(text(26306).c_str(), path);
-    case ProfileProblem::kReadOnly: return NyrFormat(text(26307).c_str(), path);
+    case ProfileProblem::kLocked: return NyrFormat(text(NYR_IDS_SETTINGS_LOCKED).c_str(), path);
+    case ProfileProblem::kReadOnly: return NyrFormat(text(NYR_IDS_SETTINGS_READ_ONLY).c_str(), path);
     case ProfileProblem::kTooLarge:
-        return NyrFormat(text(26308).c_str(), path, static_cast<int>(nyr::detail::kMaxProfileFileSize >> 20));
-    case ProfileProblem::kNotRegular: return NyrFormat(text(26309).c_str(), path);
-    case ProfileProblem::kRefused: return NyrFormat(text(26312).c_str(), path);
+        return NyrFormat(text(NYR_IDS_SETTINGS_TOO_LARGE).c_str(), path,
+                         static_cast<int>(nyr::detail::kMaxProfileFileSize >> 20));
+    case ProfileProblem::kNotRegular: return NyrFormat(text(NYR_IDS_SETTINGS_NOT_REGULAR).c_str(), path);
+    case ProfileProblem::kRefused: return NyrFormat(text(NYR_IDS_SETTINGS_BREAKS_LINES).c_str(), path);
     case ProfileProblem::kReadError:
     case ProfileProblem::kWriteError:
-        return NyrFormat(text(status.problem == ProfileProblem::kReadError ? 26310 : 26311).c_str(), path,
-                         NyrSystemErrorText(static_cast<unsigned long>(status.error)).c_str());
+        return NyrFormat(text(status.problem == ProfileProblem::kReadError ? NYR_IDS_SETTINGS_CANNOT_READ
+                                                                           : NYR_IDS_SETTINGS_CANNOT_WRITE)
+                             .c_str(),
+                         path, NyrSystemErrorText(static_cast<unsigned long>(status.error)).c_str());
     }
     return {};
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/values/packed_angle.h"
 #include "nyr/values/packed_angle_p.h"
 #include "nyr/values/text_number_p.h"
@@ -31,16 +32,16 @@ const AngleTexts& Texts()
 {
     static const AngleTexts texts = [] {
         AngleTexts t;
-        t.dms[0] = NyrLoadString(26134);
+        t.dms[0] = NyrLoadString(NYR_IDS_SYMBOL_DEGREE);
         t.dms[1] = "'";
-        t.dms[2] = NyrLoadString(26132);
+        t.dms[2] = NyrLoadString(NYR_IDS_SYMBOL_SECONDS);
         t.gon[0] = "g";
         t.gon[1] = "c";
         t.gon[2] = "cc";
-        t.north = NyrLoadString(26010);
-        t.south = NyrLoadString(26011);
-        t.east = NyrLoadString(26012);
-        t.west = NyrLoadString(26013);
+        t.north = NyrLoadString(NYR_IDS_HEMISPHERE_NORTH);
+        t.south = NyrLoadString(NYR_IDS_HEMISPHERE_SOUTH);
+        t.east = NyrLoadString(NYR_IDS_HEMISPHERE_EAST);
+        t.west = NyrLoadString(NYR_IDS_HEMISPHERE_WEST);
         return t;
     }();
     return texts;

@@ -39,7 +39,7 @@ enum eNyrGeoKind
 // precision (0 to 15 decimals) and carried, so no field reaches 60 (100) and
 // every digit shown is the correctly rounded one at any magnitude (packing at
 // precision + 5 first and rounding the packed number again would round
-// twice). Layout, as masks 26128 to 26131 show it:
+// twice). Layout, as masks NYR_IDS_MASK_ANGLE_DMS to NYR_IDS_MASK_LATLONG_GON show it:
 //
 //   angle       "-000° 00' 00.00000\""   sign field ("-" or a blank), degrees in 3 places
 //   latitude    "00° 00' 00.00000\" N"   no sign field, degrees in 2 places, N or S
@@ -52,8 +52,8 @@ enum eNyrGeoKind
 //     precision rounds the seconds but still shows five decimals), otherwise
 //     "%0*.*f" with width precision + 3;
 //   - UseDmsSymbols puts the field's symbol right after each field: ° ' "
-//     (texts 26134, "'", 26132) or g c cc; the symbols and the hemisphere
-//     letters (26010 to 26013) are loaded from the text table once per
+//     (texts NYR_IDS_SYMBOL_DEGREE, "'", NYR_IDS_SYMBOL_SECONDS) or g c cc; the symbols and the hemisphere
+//     letters (NYR_IDS_HEMISPHERE_NORTH to NYR_IDS_HEMISPHERE_WEST) are loaded from the text table once per
 //     process, on first use;
 //   - TrimLeadingZeros drops a leading degrees field of 0 and then a leading
 //     minutes field of 0; the first field shown is then padded with blanks

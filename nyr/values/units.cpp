@@ -1,13 +1,17 @@
 #include "nyr/values/units.h"
 
+#include "nyr/frame/text_ids.h"
 #include "nyr/values/packed_angle.h"
 #include "nyr/values/units_p.h"
 
 namespace {
 
-constexpr NYR_UNIT_TEXT kDistanceTable[] = {{21, 26117}, {22, 26118}, {23, 26119}, {-1, -1}};
-constexpr NYR_UNIT_TEXT kAngleTable[] = {{11, 26120}, {12, 26121}, {13, 26122}, {14, 26123}, {15, 26124},
-                                         {16, 26125}, {17, 26126}, {18, 26127}, {-1, -1}};
+constexpr NYR_UNIT_TEXT kDistanceTable[] = {
+    {21, NYR_IDS_UNIT_METRES}, {22, NYR_IDS_UNIT_US_SURVEY_FEET}, {23, NYR_IDS_UNIT_INTERNATIONAL_FEET}, {-1, -1}};
+constexpr NYR_UNIT_TEXT kAngleTable[] = {
+    {11, NYR_IDS_UNIT_DEGREE},     {12, NYR_IDS_UNIT_DMS},     {13, NYR_IDS_UNIT_DECIMAL_DMS},
+    {14, NYR_IDS_UNIT_GRAD},       {15, NYR_IDS_UNIT_GON},     {16, NYR_IDS_UNIT_DECIMAL_GON},
+    {17, NYR_IDS_UNIT_REVOLUTION}, {18, NYR_IDS_UNIT_RADIANS}, {-1, -1}};
 
 struct Abbreviations
 {

@@ -23,7 +23,7 @@ enum eNyrUnit
 };
 
 // One row of a unit table: the unit code and the number of its selection-list
-// text in the library's text table ("Metres [ m ]" is 26117).
+// text in the library's text table ("Metres [ m ]" is NYR_IDS_UNIT_METRES).
 struct NYR_UNIT_TEXT
 {
     long unit;

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/ascii_p.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/values/packed_angle.h"
@@ -27,7 +28,8 @@ struct Hemispheres
 
 const Hemispheres& SouthWest()
 {
-    static const Hemispheres letters{NyrLoadString(26011).c_str()[0], NyrLoadString(26013).c_str()[0]};
+    static const Hemispheres letters{NyrLoadString(NYR_IDS_HEMISPHERE_SOUTH).c_str()[0],
+                                     NyrLoadString(NYR_IDS_HEMISPHERE_WEST).c_str()[0]};
     return letters;
 }
 

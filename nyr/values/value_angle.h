@@ -11,7 +11,7 @@
 //
 // Reading text (StringToNumber):
 //  - a hemisphere letter anywhere in the text, the first character of text
-//    26011 ("S") or 26013 ("W") as loaded once per process, exact case,
+//    NYR_IDS_HEMISPHERE_SOUTH ("S") or NYR_IDS_HEMISPHERE_WEST ("W") as loaded once per process, exact case,
 //    makes the angle negative; it multiplies whatever sign the number has,
 //    so "-12 S" is positive (intended, the two cancel);
 //  - Degree, Decimal DMS, Grad, Decimal Gon, Revolution, Radians: one number

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 
 struct CNyrAboutDialog::Private
@@ -25,10 +26,10 @@ CNyrAboutDialog::CNyrAboutDialog(QWidget* parent, const QString& appName, const 
     const std::string name = (appName.isEmpty() ? QCoreApplication::applicationName() : appName).toStdString();
     const std::string version =
         (appVersion.isEmpty() ? QCoreApplication::applicationVersion() : appVersion).toStdString();
-    setWindowTitle(QString::fromStdString(NyrFormat(NyrLoadString(26423).c_str(), name.c_str())));
+    setWindowTitle(QString::fromStdString(NyrFormat(NyrLoadString(NYR_IDS_ABOUT_TITLE).c_str(), name.c_str())));
 
-    const std::string qt = NyrFormat(NyrLoadString(26431).c_str(), qVersion(), QT_VERSION_STR);
-    std::vector<CNyrAboutLine> extra{{NyrLoadString(26426), qt}};
+    const std::string qt = NyrFormat(NyrLoadString(NYR_IDS_ABOUT_BUILT_WITH).c_str(), qVersion(), QT_VERSION_STR);
+    std::vector<CNyrAboutLine> extra{{NyrLoadString(NYR_IDS_ABOUT_QT), qt}};
     extra.insert(extra.end(), more.begin(), more.end());
     const std::vector<CNyrAboutLine> lines = NyrAboutLines(name, version, extra);
     d->text = NyrAboutText(lines);
@@ -43,7 +44,8 @@ CNyrAboutDialog::CNyrAboutDialog(QWidget* parent, const QString& appName, const 
     }
     ContentLayout()->addLayout(form);
 
-    d->copy = ButtonBox()->addButton(QString::fromStdString(NyrLoadString(26422)), QDialogButtonBox::ActionRole);
+    d->copy =
+        ButtonBox()->addButton(QString::fromStdString(NyrLoadString(NYR_IDS_ABOUT_COPY)), QDialogButtonBox::ActionRole);
     connect(d->copy, &QPushButton::clicked, this, &CNyrAboutDialog::CopyToClipboard);
 }
 

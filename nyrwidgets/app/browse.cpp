@@ -11,6 +11,7 @@
 #include <QTreeView>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/util/profile_entries.h"
@@ -28,12 +29,12 @@ struct KindTexts
 const KindTexts& Texts(CNyrBrowse::eKind kind)
 {
     static const KindTexts texts[] = {
-        {"Folder", 26054, 26055, 0},
-        {"File", 26062, 26063, 26096},
-        {"Executable", 26056, 26057, 26096},
-        {"Program", 26058, 26059, 26096},
-        {"Library", 26060, 26061, 26098},
-        {"Save", 26068, 26069, 26096},
+        {"Folder", NYR_IDS_BROWSE_FOLDER_TITLE, NYR_IDS_BROWSE_FOLDER_PROMPT, 0},
+        {"File", NYR_IDS_BROWSE_FILE_TITLE, NYR_IDS_BROWSE_FILE_PROMPT, NYR_IDS_FILTER_ALL_FILES},
+        {"Executable", NYR_IDS_BROWSE_EXECUTABLE_TITLE, NYR_IDS_BROWSE_EXECUTABLE_PROMPT, NYR_IDS_FILTER_ALL_FILES},
+        {"Program", NYR_IDS_BROWSE_PROGRAM_TITLE, NYR_IDS_BROWSE_PROGRAM_PROMPT, NYR_IDS_FILTER_ALL_FILES},
+        {"Library", NYR_IDS_BROWSE_LIBRARY_TITLE, NYR_IDS_BROWSE_LIBRARY_PROMPT, NYR_IDS_FILTER_LIBRARIES},
+        {"Save", NYR_IDS_FILE_DLG_SAVE_AS, NYR_IDS_FILE_DLG_FILE_NAME, NYR_IDS_FILTER_ALL_FILES},
     };
     return texts[kind];
 }
@@ -92,14 +93,14 @@ void Configure(QFileDialog& dialog, CNyrBrowse::eKind kind, const QString& filte
     const bool save = kind == CNyrBrowse::eSaveFile;
     dialog.setWindowTitle(Text(texts.title));
     dialog.setLabelText(QFileDialog::FileName, Text(texts.prompt));
-    dialog.setLabelText(QFileDialog::FileType, Text(26070));
+    dialog.setLabelText(QFileDialog::FileType, Text(NYR_IDS_FILE_DLG_FILE_TYPE));
     // Qt gives the file type label no buddy, so its mnemonic would show as
     // a plain "&" and its key would do nothing.
     if (auto* type = dialog.findChild<QLabel*>(QStringLiteral("fileTypeLabel")))
         type->setBuddy(dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo")));
     MakeRoom(dialog);
-    dialog.setLabelText(QFileDialog::Accept, Text(save ? 26480 : 26067));
-    dialog.setLabelText(QFileDialog::Reject, Text(26100));
+    dialog.setLabelText(QFileDialog::Accept, Text(save ? NYR_IDS_DIALOG_SAVE : NYR_IDS_FILE_DLG_OPEN));
+    dialog.setLabelText(QFileDialog::Reject, Text(NYR_IDS_BUTTON_CANCEL));
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     if (kind == CNyrBrowse::eFolder) {
         dialog.setFileMode(QFileDialog::Directory);
@@ -169,7 +170,7 @@ QString CNyrBrowse::Browse(QWidget* parent, eKind kind, const QString& purpose, 
     Remember(dialog, kind, chosen, section);
     const QFileInfo file(chosen);
     if (WantsExecutable(kind) && !(file.isFile() && file.isExecutable())) {
-        NyrMessageBox(NyrFormat(NyrLoadString(26441).c_str(), chosen.toStdString().c_str()),
+        NyrMessageBox(NyrFormat(NyrLoadString(NYR_IDS_BROWSE_NOT_EXECUTABLE).c_str(), chosen.toStdString().c_str()),
                       dialog.windowTitle().toStdString(), NYR_MB_ICONWARNING);
         return {};
     }
@@ -212,7 +213,7 @@ bool CNyrBrowse::ConfirmReplace(QWidget* parent, const QString& path, const QStr
 {
     if (!QFileInfo::exists(path))
         return true;
-    const std::string text = NyrFormat(NyrLoadString(26274).c_str(), path.toStdString().c_str());
+    const std::string text = NyrFormat(NyrLoadString(NYR_IDS_FILE_REPLACE).c_str(), path.toStdString().c_str());
     const std::string title = caption.toStdString();
     const std::string& key = ReplaceKey();
     if (key.empty())

@@ -14,12 +14,12 @@ class QWidget;
 //
 //   kind        title (prompt)                                   filters
 //   eFolder     "Browse for Folder" ("Select a directory:")      folders only
-//   eFile       "Browse for File" ("Select a file:")             the caller's, else 26096
+//   eFile       "Browse for File" ("Select a file:")             the caller's, else NYR_IDS_FILTER_ALL_FILES
 //   eExecutable "Browse for Executable" ("Select an executable file:")  executable files
 //   eProgram    "Browse for Program" ("Select a program:")       executable files; starts in
 //                                                                /usr/bin the first time
-//   eLibrary    "Browse for Library" ("Select a library:")       26098 (shared objects)
-//   eSaveFile   "Save As" ("File &name:"), a new or existing     the caller's, else 26096
+//   eLibrary    "Browse for Library" ("Select a library:")       NYR_IDS_FILTER_LIBRARIES (shared objects)
+//   eSaveFile   "Save As" ("File &name:"), a new or existing     the caller's, else NYR_IDS_FILTER_ALL_FILES
 //               file; a name without a suffix gets the first
 //               pattern's of the chosen filter ("x" -> "x.csv")
 //
@@ -66,7 +66,7 @@ public:
 
     // Before the library (or its host) replaces the file `path`: true when
     // there is no such file or the user answers Yes to "The file %s already
-    // exists. Do you want to replace it?" (26274) under `caption`. The
+    // exists. Do you want to replace it?" (NYR_IDS_FILE_REPLACE) under `caption`. The
     // question is a plain message box, or, once the host named one with
     // ReplaceMessageKeyDefault, that managed message (CNyrMessageBox), with
     // its "Do not prompt in future": then every question of the library and

@@ -9,6 +9,7 @@
 #include <climits>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/help_app.h"
@@ -72,10 +73,10 @@ CNyrDialog::CNyrDialog(QWidget* parent, const std::string& settingsSection, unsi
         eButton button;
         unsigned text;
         QDialogButtonBox::ButtonRole role;
-    } kinds[] = {{eOK, 26005, QDialogButtonBox::AcceptRole},
-                 {eCancel, 26100, QDialogButtonBox::RejectRole},
-                 {eApply, 26420, QDialogButtonBox::ApplyRole},
-                 {eHelp, 26421, QDialogButtonBox::HelpRole}};
+    } kinds[] = {{eOK, NYR_IDS_OK, QDialogButtonBox::AcceptRole},
+                 {eCancel, NYR_IDS_BUTTON_CANCEL, QDialogButtonBox::RejectRole},
+                 {eApply, NYR_IDS_DIALOG_APPLY, QDialogButtonBox::ApplyRole},
+                 {eHelp, NYR_IDS_DIALOG_HELP, QDialogButtonBox::HelpRole}};
     for (int i = 0; i < 4; ++i)
         if (buttons & kinds[i].button)
             d->buttons[i] = d->box->addButton(QString::fromStdString(NyrLoadString(kinds[i].text)), kinds[i].role);

@@ -6,6 +6,7 @@
 #include <QPushButton>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/frame/wait_cursor.h"
@@ -29,17 +30,19 @@ std::string LabelText(const CNyrProgress::Snapshot& s)
 {
     std::string text;
     if (s.cancelled)
-        text += NyrLoadString(26437) + "\n";
+        text += NyrLoadString(NYR_IDS_PROGRESS_CANCELLING) + "\n";
     if (!s.text.empty())
         text += s.text + "\n";
     if (s.total > 0)
-        text += NyrFormat(NyrLoadString(26435).c_str(), Amount(s.position, s.unit).c_str(),
+        text += NyrFormat(NyrLoadString(NYR_IDS_PROGRESS_AMOUNT_OF).c_str(), Amount(s.position, s.unit).c_str(),
                           Amount(s.total, s.unit).c_str());
     else
         text += Amount(s.position, s.unit);
-    text += "\n" + NyrFormat(NyrLoadString(26432).c_str(), NyrFormatDuration(s.elapsedSeconds).c_str());
-    const std::string remaining = s.remainingSeconds < 0 ? NyrLoadString(26434) : NyrFormatDuration(s.remainingSeconds);
-    text += "\n" + NyrFormat(NyrLoadString(26433).c_str(), remaining.c_str());
+    text +=
+        "\n" + NyrFormat(NyrLoadString(NYR_IDS_PROGRESS_ELAPSED).c_str(), NyrFormatDuration(s.elapsedSeconds).c_str());
+    const std::string remaining =
+        s.remainingSeconds < 0 ? NyrLoadString(NYR_IDS_PROGRESS_ESTIMATING) : NyrFormatDuration(s.remainingSeconds);
+    text += "\n" + NyrFormat(NyrLoadString(NYR_IDS_PROGRESS_REMAINING).c_str(), remaining.c_str());
     return text;
 }
 
@@ -54,8 +57,8 @@ CNyrProgressDialog::CNyrProgressDialog(CNyrWorker& worker, QWidget* parent)
     : QProgressDialog(parent), d(std::make_unique<Private>())
 {
     d->worker = &worker;
-    setWindowTitle(QString::fromStdString(NyrLoadString(26436)));
-    setCancelButtonText(QString::fromStdString(NyrLoadString(26100)));
+    setWindowTitle(QString::fromStdString(NyrLoadString(NYR_IDS_PROGRESS_WAIT)));
+    setCancelButtonText(QString::fromStdString(NyrLoadString(NYR_IDS_BUTTON_CANCEL)));
     setAutoClose(false);
     setAutoReset(false);
     setMinimumDuration(MinimumDurationDefault());

@@ -6,6 +6,7 @@
 
 #include "nyr/app/recent_documents.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 
 namespace {
@@ -75,7 +76,7 @@ void CNyrRecentDocumentsMenu::Rebuild()
     }
     const std::vector<std::string>& files = d->documents->Files();
     if (files.empty()) {
-        menu->addAction(QString::fromStdString(NyrLoadString(26440)))->setEnabled(false);
+        menu->addAction(QString::fromStdString(NyrLoadString(NYR_IDS_RECENT_NONE)))->setEnabled(false);
         return;
     }
     const QStringList names = Names(files);
@@ -84,7 +85,8 @@ void CNyrRecentDocumentsMenu::Rebuild()
         name.replace("&", "&&");
         const bool missing = d->documents->IsMissing(i);
         if (missing)
-            name = QString::fromStdString(NyrFormat(NyrLoadString(26438).c_str(), name.toStdString().c_str()));
+            name = QString::fromStdString(
+                NyrFormat(NyrLoadString(NYR_IDS_RECENT_MISSING).c_str(), name.toStdString().c_str()));
         QAction* action = menu->addAction(Mnemonic(i + 1) + name);
         const QString path = QString::fromStdString(files[i]);
         action->setToolTip(path);
@@ -93,6 +95,6 @@ void CNyrRecentDocumentsMenu::Rebuild()
         connect(action, &QAction::triggered, this, [this, path] { emit documentSelected(path); });
     }
     menu->addSeparator();
-    connect(menu->addAction(QString::fromStdString(NyrLoadString(26439))), &QAction::triggered, this,
+    connect(menu->addAction(QString::fromStdString(NyrLoadString(NYR_IDS_RECENT_CLEAR))), &QAction::triggered, this,
             [this] { d->documents->Clear(); });
 }

@@ -14,6 +14,7 @@
 #include "nyr/app/instance_lock.h"
 #include "nyr/app/instance_message.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 
 namespace {
@@ -93,7 +94,7 @@ CNyrSingleInstance::eRole CNyrSingleInstance::Start(const QStringList& arguments
             return d->role = eHandedOver;
         if (deadline.hasExpired()) {
             d->error = QString::fromStdString(
-                NyrFormat(NyrLoadString(26442).c_str(), d->appName.toStdString().c_str()));
+                NyrFormat(NyrLoadString(NYR_IDS_INSTANCE_NOT_ANSWERING).c_str(), d->appName.toStdString().c_str()));
             return d->role = eFailed;
         }
         QThread::msleep(kRetryMs);

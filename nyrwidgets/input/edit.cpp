@@ -13,6 +13,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/frame/message_event.h"
 
 struct CNyrEdit::Private
@@ -268,15 +269,15 @@ QMenu* CNyrEdit::CreateEditMenu(QWidget* parent)
                 std::invoke(slot, *self);
         });
     };
-    add(26071, "undo", editable && CanUndo(), &CNyrEdit::Undo);
-    add(26072, "redo", editable && CanRedo(), &CNyrEdit::Redo);
+    add(NYR_IDS_EDIT_UNDO, "undo", editable && CanUndo(), &CNyrEdit::Undo);
+    add(NYR_IDS_EDIT_REDO, "redo", editable && CanRedo(), &CNyrEdit::Redo);
     menu->addSeparator();
-    add(26073, "cut", editable && selected && plain, &QLineEdit::cut);
-    add(26074, "copy", selected && plain, &QLineEdit::copy);
-    add(26075, "paste", editable && clip && clip->hasText(), &QLineEdit::paste);
-    add(26076, "delete", editable && selected, &CNyrEdit::DeleteSelection);
+    add(NYR_IDS_EDIT_CUT, "cut", editable && selected && plain, &QLineEdit::cut);
+    add(NYR_IDS_EDIT_COPY, "copy", selected && plain, &QLineEdit::copy);
+    add(NYR_IDS_EDIT_PASTE, "paste", editable && clip && clip->hasText(), &QLineEdit::paste);
+    add(NYR_IDS_EDIT_DELETE, "delete", editable && selected, &CNyrEdit::DeleteSelection);
     menu->addSeparator();
-    add(26077, "selectAll", !text().isEmpty(), &CNyrEdit::SelectAllNotified);
+    add(NYR_IDS_EDIT_SELECT_ALL, "selectAll", !text().isEmpty(), &CNyrEdit::SelectAllNotified);
     return menu;
 }
 

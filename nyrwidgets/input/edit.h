@@ -22,7 +22,7 @@ class QMenu;
 // history: use Undo() and Redo().
 //
 // The edit menu (right mouse button, the menu key): "&Undo", "&Redo",
-// "Cu&t", "&Copy", "&Paste", "&Delete", "Select &All" (texts 26071-26077),
+// "Cu&t", "&Copy", "&Paste", "&Delete", "Select &All" (texts NYR_IDS_EDIT_UNDO-NYR_IDS_EDIT_SELECT_ALL),
 // each enabled only when it can do something.
 //
 // Notifications to the owner (SetOwner; by default the edit's window, never

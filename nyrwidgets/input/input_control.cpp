@@ -11,6 +11,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/frame/message_event.h"
 
 namespace {
@@ -213,7 +214,7 @@ int CNyrInputControl::ValidateEmpty()
     if (!self)
         return 0;
     if (answer < 0 || (answer == 0 && !d->allowEmpty))
-        return Fail(NyrLoadString(26078));
+        return Fail(NyrLoadString(NYR_IDS_INPUT_EMPTY));
     Commit({});
     return 1;
 }
@@ -265,7 +266,7 @@ int CNyrInputControl::Fail(const std::string& message)
 std::string CNyrInputControl::RangeMessage(int side) const
 {
     const bool both = !BoundText(false).empty() && !BoundText(true).empty();
-    return BoundMessage(both ? 26081 : side < 0 ? 26079 : 26080);
+    return BoundMessage(both ? NYR_IDS_INPUT_RANGE : side < 0 ? NYR_IDS_INPUT_MINIMUM : NYR_IDS_INPUT_MAXIMUM);
 }
 
 std::string CNyrInputControl::BoundText(bool maximum) const
@@ -329,8 +330,17 @@ void CNyrInputControl::PlaceBalloon()
 
 std::string CNyrInputControl::Description() const
 {
-    static constexpr unsigned int kNames[] = {0, 26360, 26361, 26362, 26363, 26364,
-                                              26365, 26366, 26367, 26368, 26371};
+    static constexpr unsigned int kNames[] = {0,
+                                              NYR_IDS_FIELD_INTEGER,
+                                              NYR_IDS_FIELD_NUMBER,
+                                              NYR_IDS_FIELD_TEXT,
+                                              NYR_IDS_FIELD_FILE_NAME,
+                                              NYR_IDS_FIELD_ANGLE,
+                                              NYR_IDS_FIELD_DISTANCE,
+                                              NYR_IDS_FIELD_LATITUDE,
+                                              NYR_IDS_FIELD_LONGITUDE,
+                                              NYR_IDS_FIELD_DATE_TIME,
+                                              NYR_IDS_FIELD_TIME_SPAN};
     const int kind = Kind();
     return kind > 0 && kind < static_cast<int>(std::size(kNames)) ? NyrLoadString(kNames[kind]) : std::string();
 }

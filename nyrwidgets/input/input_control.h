@@ -44,7 +44,7 @@ NYR_EXPORT CNyrInputControl* NyrCreateInputControl(int kind, QWidget* parent = n
 // Validation (Validate()): blank text passes when the field may be empty (or
 // its owner says so); otherwise the text must read as a value of the kind
 // and lie in the field's range. The failure shows as a message next to the
-// field (texts 26078-26095, %MIN and %MAX written in the field's current unit
+// field (texts NYR_IDS_INPUT_EMPTY-NYR_IDS_INPUT_TOO_LONG, %MIN and %MAX written in the field's current unit
 // and precision) and stays until the text changes. A field validates
 // itself when the user leaves it after changing its text, unless the focus
 // goes to a Cancel button (a button of the reject role in a
@@ -158,7 +158,7 @@ protected:
     // -1 below the range, +1 above it, 0 inside.
     virtual int RangeSide(const std::any&) const { return 0; }
     // The message of a value outside the range (side as RangeSide gives it);
-    // the default builds 26079, 26080 or 26081 from BoundText.
+    // the default builds NYR_IDS_INPUT_MINIMUM, NYR_IDS_INPUT_MAXIMUM or NYR_IDS_INPUT_RANGE from BoundText.
     virtual std::string RangeMessage(int side) const;
     // A bound of the range; empty for none.
     virtual std::any Bound(bool) const { return {}; }

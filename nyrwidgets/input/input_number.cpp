@@ -5,6 +5,7 @@
 #include <cmath>
 #include <string>
 
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/input/input_range_p.h"
 
 namespace {
@@ -167,7 +168,7 @@ std::any CNyrInputInteger::Bound(bool maximum) const
 
 unsigned int CNyrInputInteger::InvalidTextId() const
 {
-    return 26083;
+    return NYR_IDS_INPUT_BAD_INTEGER;
 }
 
 // ---------------------------------------------------------------------------
@@ -291,5 +292,5 @@ std::any CNyrInputFloat::Bound(bool maximum) const
 
 unsigned int CNyrInputFloat::InvalidTextId() const
 {
-    return 26082;
+    return NYR_IDS_INPUT_BAD_NUMBER;
 }

@@ -6,7 +6,7 @@
 
 // A whole number from -9223372036854775808 to 9223372036854775807 in decimal
 // digits, with an optional sign and blanks around it. "Invalid integer
-// number" (26083) for anything else; the range message shows the bounds in
+// number" (NYR_IDS_INPUT_BAD_INTEGER) for anything else; the range message shows the bounds in
 // decimal. A '-' cannot be typed while the minimum is 0 or more.
 class NYR_EXPORT CNyrInputInteger : public CNyrInputControl
 {
@@ -41,7 +41,7 @@ private:
 // A floating number in decimal notation with '.' as the point whatever the
 // locale, an optional sign and exponent ("12.5", "-.5", "1e-3"). It shows
 // with GetPrecision() decimals (6 unless set; 0 to 15) and holds the number
-// it read or was given, not the rounded text. "Invalid number" (26082) for
+// it read or was given, not the rounded text. "Invalid number" (NYR_IDS_INPUT_BAD_NUMBER) for
 // anything else, and for numbers that are not finite.
 class NYR_EXPORT CNyrInputFloat : public CNyrInputControl
 {

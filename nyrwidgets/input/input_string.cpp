@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/app/browse.h"
 
 namespace {
@@ -96,7 +97,7 @@ int CNyrInputString::RangeSide(const std::any& value) const
 
 std::string CNyrInputString::RangeMessage(int) const
 {
-    return BoundMessage(26095);
+    return BoundMessage(NYR_IDS_INPUT_TOO_LONG);
 }
 
 std::string CNyrInputString::BoundText(bool maximum) const
@@ -190,7 +191,9 @@ std::string CNyrInputFileName::GetBaseFolder() const
 
 bool CNyrInputFileName::Browse()
 {
-    static constexpr unsigned int kTitles[] = {26062, 26054, 26056, 26058, 26060};
+    static constexpr unsigned int kTitles[] = {NYR_IDS_BROWSE_FILE_TITLE, NYR_IDS_BROWSE_FOLDER_TITLE,
+                                               NYR_IDS_BROWSE_EXECUTABLE_TITLE, NYR_IDS_BROWSE_PROGRAM_TITLE,
+                                               NYR_IDS_BROWSE_LIBRARY_TITLE};
     static constexpr CNyrBrowse::eKind kKinds[] = {CNyrBrowse::eFile, CNyrBrowse::eFolder, CNyrBrowse::eExecutable,
                                                    CNyrBrowse::eProgram, CNyrBrowse::eLibrary};
     const int target = std::clamp(static_cast<int>(d->target), 0, 4);
@@ -237,7 +240,7 @@ bool CNyrInputFileName::MayBecomeValid(const QString& text) const
 
 unsigned int CNyrInputFileName::InvalidTextId() const
 {
-    return 26091;
+    return NYR_IDS_INPUT_BAD_FILE_NAME;
 }
 
 unsigned int CNyrInputFileName::CheckValue(const std::any& value) const
@@ -245,14 +248,12 @@ unsigned int CNyrInputFileName::CheckValue(const std::any& value) const
     const QDir base(d->base.isEmpty() ? QDir::currentPath() : d->base);
     const QFileInfo info(base.absoluteFilePath(QString::fromStdString(std::any_cast<std::string>(value))));
     switch (d->mode) {
-    case eFileMustExist:
-        return info.exists() && !info.isDir() ? 0 : 26092;
-    case eFolderMustExist:
-        return info.isDir() ? 0 : 26093;
+    case eFileMustExist: return info.exists() && !info.isDir() ? 0 : NYR_IDS_INPUT_NO_FILE;
+    case eFolderMustExist: return info.isDir() ? 0 : NYR_IDS_INPUT_NO_FOLDER;
     case eMayBeNew:
         if (info.isDir())
-            return 26091;  // a folder cannot become the file
-        return QFileInfo(info.absolutePath()).isDir() ? 0 : 26093;
+            return NYR_IDS_INPUT_BAD_FILE_NAME;  // a folder cannot become the file
+        return QFileInfo(info.absolutePath()).isDir() ? 0 : NYR_IDS_INPUT_NO_FOLDER;
     }
     return 0;
 }

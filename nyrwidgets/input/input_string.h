@@ -8,7 +8,7 @@
 // A text (UTF-8), kept as typed, blanks included; a text of blanks only
 // counts as empty. With a maximum length (in characters) no keystroke can
 // make it longer; a longer text the program set is kept whole and refused
-// by validation with "Text must not be longer than %MAX characters" (26095).
+// by validation with "Text must not be longer than %MAX characters" (NYR_IDS_INPUT_TOO_LONG).
 class NYR_EXPORT CNyrInputString : public CNyrInputControl
 {
     Q_OBJECT
@@ -41,18 +41,18 @@ private:
 // The name of a file or folder, blanks around it dropped. Relative names are
 // taken from GetBaseFolder() (the working folder unless set). What must be
 // true of it (eMode):
-//   eFileMustExist    an existing file, not a folder ("File does not exist", 26092);
-//   eFolderMustExist  an existing folder ("Folder does not exist", 26093);
-//   eMayBeNew         a new or existing file whose folder exists (26093 when
+//   eFileMustExist    an existing file, not a folder ("File does not exist", NYR_IDS_INPUT_NO_FILE);
+//   eFolderMustExist  an existing folder ("Folder does not exist", NYR_IDS_INPUT_NO_FOLDER);
+//   eMayBeNew         a new or existing file whose folder exists (NYR_IDS_INPUT_NO_FOLDER when
 //                     it does not).
-// Refused with "Invalid file name" (26091): a control character, a name
+// Refused with "Invalid file name" (NYR_IDS_INPUT_BAD_FILE_NAME): a control character, a name
 // longer than 4095 bytes or with a part longer than 255 bytes, a file name
 // ending in '/'.
 //
 // A browse button inside the field (and F4 or Alt+Down in it) browses with
 // CNyrBrowse (the kind of the target, a file to save under in eMayBeNew,
 // titled with the library's browse title for the target, texts
-// 26054-26062), starting at the field's name; the name picked replaces the
+// NYR_IDS_BROWSE_FOLDER_TITLE-NYR_IDS_BROWSE_FILE_TITLE), starting at the field's name; the name picked replaces the
 // text as one undoable step and is validated.
 class NYR_EXPORT CNyrInputFileName : public CNyrInputControl
 {

@@ -5,6 +5,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/input/input_range_p.h"
 #include "nyrwidgets/input/time_text_p.h"
 
@@ -179,12 +180,12 @@ std::any CNyrInputDateTime::Bound(bool maximum) const
 
 unsigned int CNyrInputDateTime::InvalidTextId() const
 {
-    return d->part == eTime ? 26089 : 26088;
+    return d->part == eTime ? NYR_IDS_INPUT_BAD_TIME : NYR_IDS_INPUT_BAD_DATE;
 }
 
 std::string CNyrInputDateTime::Description() const
 {
-    static constexpr unsigned int kNames[] = {26368, 26369, 26370};
+    static constexpr unsigned int kNames[] = {NYR_IDS_FIELD_DATE_TIME, NYR_IDS_FIELD_DATE, NYR_IDS_FIELD_TIME};
     return NyrLoadString(kNames[std::clamp(static_cast<int>(d->part), 0, 2)]);
 }
 
@@ -286,5 +287,5 @@ std::any CNyrInputTimeSpan::Bound(bool maximum) const
 
 unsigned int CNyrInputTimeSpan::InvalidTextId() const
 {
-    return 26090;
+    return NYR_IDS_INPUT_BAD_TIME_SPAN;
 }

@@ -18,7 +18,7 @@
 //   "MJD 60310.25"      a Modified Julian Date of local time;
 //   "GPS 2295 345600"   GPS week and seconds of week (blanks, ',', ':' or '/'
 //                       between them).
-// "Invalid date" (26088), or "Invalid time" (26089) for the time part. A date
+// "Invalid date" (NYR_IDS_INPUT_BAD_DATE), or "Invalid time" (NYR_IDS_INPUT_BAD_TIME) for the time part. A date
 // part keeps the time of day the field holds (midnight for an empty field),
 // a time part the date (today for an empty field).
 //
@@ -71,7 +71,7 @@ private:
 // seconds with GetFractionDigits() decimals (0 unless set, up to 3). It
 // reads "[days d | days blank] hours[:minutes[:seconds[.fraction]]]":
 // "49:05:07", "2 1:05:07", "2d", "1:30"; minutes and seconds below 60, the
-// whole at most 2147483647 s. "Invalid time span" (26090).
+// whole at most 2147483647 s. "Invalid time span" (NYR_IDS_INPUT_BAD_TIME_SPAN).
 class NYR_EXPORT CNyrInputTimeSpan : public CNyrInputControl
 {
     Q_OBJECT

@@ -8,6 +8,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/values/unit_settings.h"
 #include "nyr/values/value_angle.h"
@@ -197,14 +198,14 @@ std::string CNyrInputValue::Description() const
     const std::string kind = CNyrInputControl::Description();
     if (row->unit == -1)
         return kind;
-    return NyrFormat(NyrLoadString(26372).c_str(), kind.c_str(),
+    return NyrFormat(NyrLoadString(NYR_IDS_FIELD_IN_UNIT).c_str(), kind.c_str(),
                      NyrLoadString(static_cast<unsigned int>(row->textId)).c_str());
 }
 
 QString CNyrInputValue::Mask() const
 {
-    const QString dms = QString::fromStdString(NyrLoadString(26128));
-    const QString gon = QString::fromStdString(NyrLoadString(26129));
+    const QString dms = QString::fromStdString(NyrLoadString(NYR_IDS_MASK_ANGLE_DMS));
+    const QString gon = QString::fromStdString(NyrLoadString(NYR_IDS_MASK_ANGLE_GON));
     return fontMetrics().horizontalAdvance(dms) > fontMetrics().horizontalAdvance(gon) ? dms : gon;
 }
 
@@ -279,7 +280,7 @@ int CNyrInputAngle::Kind() const
 
 unsigned int CNyrInputAngle::InvalidTextId() const
 {
-    return 26084;
+    return NYR_IDS_INPUT_BAD_ANGLE;
 }
 
 CNyrInputDistance::CNyrInputDistance(QWidget* parent)
@@ -299,7 +300,7 @@ int CNyrInputDistance::Kind() const
 
 unsigned int CNyrInputDistance::InvalidTextId() const
 {
-    return 26085;
+    return NYR_IDS_INPUT_BAD_DISTANCE;
 }
 
 QString CNyrInputDistance::Mask() const
@@ -315,7 +316,8 @@ CNyrInputLatitude::CNyrInputLatitude(QWidget* parent)
 CNyrInputLatitude::CNyrInputLatitude(QWidget* parent, CNyrUnitSettings& settings)
     : CNyrInputValue(parent, std::make_unique<CNyrValueAngleLat>(0.0, settings), WM_NYR_UNIT_CHANGED_ANGLE)
 {
-    AllowCharacters(QString::fromStdString(NyrLoadString(26010) + NyrLoadString(26011)));
+    AllowCharacters(
+        QString::fromStdString(NyrLoadString(NYR_IDS_HEMISPHERE_NORTH) + NyrLoadString(NYR_IDS_HEMISPHERE_SOUTH)));
 }
 
 int CNyrInputLatitude::Kind() const
@@ -325,12 +327,12 @@ int CNyrInputLatitude::Kind() const
 
 unsigned int CNyrInputLatitude::InvalidTextId() const
 {
-    return 26086;
+    return NYR_IDS_INPUT_BAD_LATITUDE;
 }
 
 QString CNyrInputLatitude::Mask() const
 {
-    return QString::fromStdString(NyrLoadString(26130));
+    return QString::fromStdString(NyrLoadString(NYR_IDS_MASK_LATLONG_DMS));
 }
 
 CNyrInputLongitude::CNyrInputLongitude(QWidget* parent)
@@ -341,7 +343,8 @@ CNyrInputLongitude::CNyrInputLongitude(QWidget* parent)
 CNyrInputLongitude::CNyrInputLongitude(QWidget* parent, CNyrUnitSettings& settings)
     : CNyrInputValue(parent, std::make_unique<CNyrValueAngleLon>(0.0, settings), WM_NYR_UNIT_CHANGED_ANGLE)
 {
-    AllowCharacters(QString::fromStdString(NyrLoadString(26012) + NyrLoadString(26013)));
+    AllowCharacters(
+        QString::fromStdString(NyrLoadString(NYR_IDS_HEMISPHERE_EAST) + NyrLoadString(NYR_IDS_HEMISPHERE_WEST)));
 }
 
 int CNyrInputLongitude::Kind() const
@@ -351,10 +354,10 @@ int CNyrInputLongitude::Kind() const
 
 unsigned int CNyrInputLongitude::InvalidTextId() const
 {
-    return 26087;
+    return NYR_IDS_INPUT_BAD_LONGITUDE;
 }
 
 QString CNyrInputLongitude::Mask() const
 {
-    return QString::fromStdString(NyrLoadString(26131));
+    return QString::fromStdString(NyrLoadString(NYR_IDS_MASK_LATLONG_GON));
 }

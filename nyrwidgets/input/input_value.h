@@ -51,7 +51,7 @@ public:
     void ClearRange();
     CNyrUnitSettings& UnitSettings() const;
 
-    // Wide enough for the kind's mask (texts 26128 to 26131) and the unit.
+    // Wide enough for the kind's mask (texts NYR_IDS_MASK_ANGLE_DMS to NYR_IDS_MASK_LATLONG_GON) and the unit.
     QSize sizeHint() const override;
 
 protected:
@@ -81,7 +81,7 @@ private:
     void UpdateSuffixSpace();
 };
 
-// An angle (CNyrValueAngle), "Invalid angle" (26084).
+// An angle (CNyrValueAngle), "Invalid angle" (NYR_IDS_INPUT_BAD_ANGLE).
 class NYR_EXPORT CNyrInputAngle : public CNyrInputValue
 {
     Q_OBJECT
@@ -95,7 +95,7 @@ protected:
     unsigned int InvalidTextId() const override;
 };
 
-// A distance (CNyrValueDistance), "Invalid distance" (26085).
+// A distance (CNyrValueDistance), "Invalid distance" (NYR_IDS_INPUT_BAD_DISTANCE).
 class NYR_EXPORT CNyrInputDistance : public CNyrInputValue
 {
     Q_OBJECT
@@ -109,8 +109,8 @@ protected:
     QString Mask() const override;
 };
 
-// A latitude (CNyrValueAngleLat), "N" and "S" (texts 26010, 26011) after it;
-// "Invalid latitude" (26086), also beyond 90°.
+// A latitude (CNyrValueAngleLat), "N" and "S" (texts NYR_IDS_HEMISPHERE_NORTH, NYR_IDS_HEMISPHERE_SOUTH) after it;
+// "Invalid latitude" (NYR_IDS_INPUT_BAD_LATITUDE), also beyond 90°.
 class NYR_EXPORT CNyrInputLatitude : public CNyrInputValue
 {
     Q_OBJECT
@@ -124,8 +124,8 @@ protected:
     QString Mask() const override;
 };
 
-// A longitude (CNyrValueAngleLon), "E" and "W" (texts 26012, 26013) after
-// it; "Invalid longitude" (26087).
+// A longitude (CNyrValueAngleLon), "E" and "W" (texts NYR_IDS_HEMISPHERE_EAST, NYR_IDS_HEMISPHERE_WEST) after
+// it; "Invalid longitude" (NYR_IDS_INPUT_BAD_LONGITUDE).
 class NYR_EXPORT CNyrInputLongitude : public CNyrInputValue
 {
     Q_OBJECT

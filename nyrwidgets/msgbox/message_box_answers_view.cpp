@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/msgbox/message_box.h"
 #include "nyrwidgets/msgbox/message_box_p.h"
 #include "nyrwidgets/msgbox/message_box_settings_lookup_table.h"
@@ -14,11 +15,6 @@
 namespace {
 
 constexpr int kKeyRole = Qt::UserRole + 1;  // the item's key level, UTF-8
-constexpr unsigned kNoneText = 26111;
-constexpr unsigned kTitleText = 26116;
-constexpr unsigned kDoNotPromptText = 26115;
-constexpr unsigned kAnswerHeading = 26341;
-constexpr unsigned kMessageHeading = 26342;
 
 enum Column { kKeyColumn, kAnswerColumn, kTextColumn, kColumns };
 
@@ -30,7 +26,7 @@ QString Q(const std::string& text)
 QString AnswerCaption(int result)
 {
     const unsigned id = nyr::msgbox::CaptionId(result);
-    return id ? Q(NyrLoadString(id)).remove(QLatin1Char('&')) : Q(NyrLoadString(kNoneText));
+    return id ? Q(NyrLoadString(id)).remove(QLatin1Char('&')) : Q(NyrLoadString(NYR_IDS_ANSWER_NONE));
 }
 
 // A heading the host set, or the library's own text when it set none.
@@ -104,13 +100,13 @@ CNyrMessageBoxAnswersView::CNyrMessageBoxAnswersView(QWidget* parent, const std:
     : QWidget(parent), d(std::make_unique<Private>())
 {
     d->prefix = nyr::msgbox::RelativeKey(prefix);
-    setWindowTitle(Q(NyrLoadString(kTitleText)));
+    setWindowTitle(Q(NyrLoadString(NYR_IDS_MSGBOX_REMEMBERED_ANSWERS)));
 
     d->tree = new QTreeWidget(this);
     d->tree->setColumnCount(kColumns);
-    d->tree->setHeaderLabels({Heading(CNyrMessageBox::GetSub1Text(), kTitleText),
-                              Heading(CNyrMessageBox::GetSub2Text(), kAnswerHeading),
-                              Heading(CNyrMessageBox::GetSub3Text(), kMessageHeading)});
+    d->tree->setHeaderLabels({Heading(CNyrMessageBox::GetSub1Text(), NYR_IDS_MSGBOX_REMEMBERED_ANSWERS),
+                              Heading(CNyrMessageBox::GetSub2Text(), NYR_IDS_HEADING_ANSWER),
+                              Heading(CNyrMessageBox::GetSub3Text(), NYR_IDS_HEADING_MESSAGE)});
     d->tree->header()->setSectionResizeMode(kKeyColumn, QHeaderView::ResizeToContents);
     d->tree->header()->setSectionResizeMode(kAnswerColumn, QHeaderView::ResizeToContents);
     auto* layout = new QVBoxLayout(this);
@@ -139,7 +135,7 @@ void CNyrMessageBoxAnswersView::Refresh()
     if (allLabel.empty())
         allLabel = QCoreApplication::applicationName().toStdString();
     if (allLabel.empty())
-        allLabel = NyrLoadString(kTitleText);
+        allLabel = NyrLoadString(NYR_IDS_MSGBOX_REMEMBERED_ANSWERS);
     auto* all = new QTreeWidgetItem(d->tree, {Q(d->prefix.empty() ? allLabel : d->prefix)});
     all->setData(kKeyColumn, kKeyRole, Q(d->prefix));
     CNyrMessageBox::PERSISTENT_MSG msg;
@@ -148,7 +144,7 @@ void CNyrMessageBoxAnswersView::Refresh()
         all->setText(kTextColumn, ShownText(msg));
     }
     d->AddLevel(all, d->prefix);
-    const QString tip = Q(NyrLoadString(kDoNotPromptText));
+    const QString tip = Q(NyrLoadString(NYR_IDS_MSGBOX_DO_NOT_PROMPT));
     for (QTreeWidgetItemIterator it(d->tree); *it; ++it)
         (*it)->setToolTip(kKeyColumn, tip);
     d->tree->expandAll();

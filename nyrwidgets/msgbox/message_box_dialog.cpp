@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/msgbox/message_box_p.h"
 
 namespace {
@@ -43,15 +44,20 @@ struct ButtonKind
 
 // Every button in the row's fixed order.
 constexpr ButtonKind kOrder[] = {
-    {kOk, NYR_IDOK, 26099},           {kOkToAll, NYR_IDOKTOALL, 26112},     {kYes, NYR_IDYES, 26101},
-    {kYesToAll, NYR_IDYESTOALL, 26109}, {kNo, NYR_IDNO, 26102},             {kNoToAll, NYR_IDNOTOALL, 26108},
-    {kAbort, NYR_IDABORT, 26103},     {kRetry, NYR_IDRETRY, 26105},         {kTryAgain, NYR_IDTRYAGAIN, 26113},
-    {kIgnore, NYR_IDIGNORE, 26104},   {kIgnoreAll, NYR_IDIGNOREALL, 26110}, {kContinue, NYR_IDCONTINUE, 26114},
-    {kCancel, NYR_IDCANCEL, 26100},
+    {kOk, NYR_IDOK, NYR_IDS_BUTTON_OK},
+    {kOkToAll, NYR_IDOKTOALL, NYR_IDS_BUTTON_OK_TO_ALL},
+    {kYes, NYR_IDYES, NYR_IDS_BUTTON_YES},
+    {kYesToAll, NYR_IDYESTOALL, NYR_IDS_BUTTON_YES_TO_ALL},
+    {kNo, NYR_IDNO, NYR_IDS_BUTTON_NO},
+    {kNoToAll, NYR_IDNOTOALL, NYR_IDS_BUTTON_NO_TO_ALL},
+    {kAbort, NYR_IDABORT, NYR_IDS_BUTTON_ABORT},
+    {kRetry, NYR_IDRETRY, NYR_IDS_BUTTON_RETRY},
+    {kTryAgain, NYR_IDTRYAGAIN, NYR_IDS_BUTTON_TRY_AGAIN},
+    {kIgnore, NYR_IDIGNORE, NYR_IDS_BUTTON_IGNORE},
+    {kIgnoreAll, NYR_IDIGNOREALL, NYR_IDS_BUTTON_IGNORE_ALL},
+    {kContinue, NYR_IDCONTINUE, NYR_IDS_BUTTON_CONTINUE},
+    {kCancel, NYR_IDCANCEL, NYR_IDS_BUTTON_CANCEL},
 };
-constexpr unsigned kSkipCaption = 26106;
-constexpr unsigned kSkipAllCaption = 26107;
-constexpr unsigned kDoNotPromptCaption = 26115;
 
 struct ButtonSet
 {
@@ -167,9 +173,9 @@ nyr::msgbox::ButtonRow nyr::msgbox::ChooseButtons(unsigned style, int defaultVal
             continue;
         unsigned captionId = kind.captionId;
         if (kind.kind == kIgnore && (style & NYR_MB_SKIP))
-            captionId = kSkipCaption;
+            captionId = NYR_IDS_BUTTON_SKIP;
         else if (kind.kind == kIgnoreAll && (style & NYR_MB_SKIPALL))
-            captionId = kSkipAllCaption;
+            captionId = NYR_IDS_BUTTON_SKIP_ALL;
         row.buttons.push_back({kind.result, captionId});
     }
     // The remembered answer when the row shows it, else the style's default
@@ -218,7 +224,7 @@ struct CNyrMessageBoxDialog::Private
         label->setMinimumWidth(label->fontMetrics().averageCharWidth() * 40);
         column->addWidget(label);
         if (offerDoNotPrompt) {
-            doNotPrompt = new QCheckBox(QString::fromStdString(NyrLoadString(kDoNotPromptCaption)), dialog);
+            doNotPrompt = new QCheckBox(QString::fromStdString(NyrLoadString(NYR_IDS_MSGBOX_DO_NOT_PROMPT)), dialog);
             doNotPrompt->setObjectName("doNotPrompt");
             column->addSpacing(label->fontMetrics().height() / 2);
             column->addWidget(doNotPrompt);

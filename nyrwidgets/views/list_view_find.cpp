@@ -14,6 +14,7 @@
 #endif
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/ascii_p.h"
 #include "nyr/util/profile_entries.h"
@@ -21,8 +22,6 @@
 #include "nyrwidgets/views/list_view_find_dialog.h"
 
 namespace {
-
-constexpr unsigned kMbOk = 0;
 
 bool IsBlank(char c)
 {
@@ -446,7 +445,7 @@ int CNyrListViewFind::GetLastFoundItem() const
 
 void CNyrListViewFind::MessageBoxNotFound(int nothingFound)
 {
-    NyrMessageBox(NyrLoadString(nothingFound ? 26050 : 26051), {}, kMbOk);
+    NyrMessageBox(NyrLoadString(nothingFound ? NYR_IDS_FIND_NOT_FOUND : NYR_IDS_FIND_NO_MORE), {}, NYR_MB_OK);
 }
 
 void CNyrListViewFind::LoadCustomProperties(const std::string& section)

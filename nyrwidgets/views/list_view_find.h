@@ -101,8 +101,8 @@ public:
     // The row the last search found (or started on), -1 for none.
     int GetLastFoundItem() const;
 
-    // Shows 26050 "... The search item was not found." when `nothingFound`,
-    // else 26051 "... No more matches found.", with an OK button.
+    // Shows NYR_IDS_FIND_NOT_FOUND "... The search item was not found." when `nothingFound`,
+    // else NYR_IDS_FIND_NO_MORE "... No more matches found.", with an OK button.
     virtual void MessageBoxNotFound(int nothingFound);
 
     // ---- Settings ----

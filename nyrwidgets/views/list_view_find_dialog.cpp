@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/views/list_view.h"
 #include "nyrwidgets/views/list_view_find.h"
 #include "nyrwidgets/views/views_text_p.h"
@@ -23,8 +24,6 @@ using Crit = CNyrListViewFind::CSearchCrit;
 namespace {
 
 // The dialog's own labels in the text table.
-constexpr unsigned int kFindWhat = 26295, kInColumn = 26296, kMatchWord = 26297, kMatchCase = 26298,
-                       kFromBeginning = 26299, kAddToSelection = 26300, kAddToChecked = 26301;
 
 }  // namespace
 
@@ -55,16 +54,16 @@ struct CNyrListViewFindDialog::Private
     {
         search = new QLineEdit(dialog);
         column = new QComboBox(dialog);
-        matchWord = new QCheckBox(Text(kMatchWord), dialog);
-        matchCase = new QCheckBox(Text(kMatchCase), dialog);
-        fromBeginning = new QCheckBox(Text(kFromBeginning), dialog);
-        findNext = new QPushButton(MenuTextAsButton(26033), dialog);
-        findPrev = new QPushButton(MenuTextAsButton(26034), dialog);
-        selectAll = new QPushButton(MenuTextAsButton(26035), dialog);
-        addToSelection = new QPushButton(Text(kAddToSelection), dialog);
-        checkAll = new QPushButton(MenuTextAsButton(26038), dialog);
-        addToChecked = new QPushButton(Text(kAddToChecked), dialog);
-        close = new QPushButton(Text(56124), dialog);
+        matchWord = new QCheckBox(Text(NYR_IDS_FIND_WHOLE_WORD), dialog);
+        matchCase = new QCheckBox(Text(NYR_IDS_FIND_MATCH_CASE), dialog);
+        fromBeginning = new QCheckBox(Text(NYR_IDS_FIND_FROM_BEGINNING), dialog);
+        findNext = new QPushButton(MenuTextAsButton(NYR_IDS_MENU_FIND_NEXT), dialog);
+        findPrev = new QPushButton(MenuTextAsButton(NYR_IDS_MENU_FIND_PREVIOUS), dialog);
+        selectAll = new QPushButton(MenuTextAsButton(NYR_IDS_MENU_SELECT_ALL), dialog);
+        addToSelection = new QPushButton(Text(NYR_IDS_FIND_ADD_TO_SELECTION), dialog);
+        checkAll = new QPushButton(MenuTextAsButton(NYR_IDS_MENU_CHECK_ALL), dialog);
+        addToChecked = new QPushButton(Text(NYR_IDS_FIND_ADD_TO_CHECKED), dialog);
+        close = new QPushButton(Text(NYR_IDS_TIP_CLOSE), dialog);
         findNext->setDefault(true);
         findNext->setAutoDefault(true);
     }
@@ -74,9 +73,9 @@ struct CNyrListViewFindDialog::Private
     void LayOut(QDialog* dialog)
     {
         auto* fields = new QGridLayout;
-        auto* searchLabel = new QLabel(Text(kFindWhat), dialog);
+        auto* searchLabel = new QLabel(Text(NYR_IDS_FIND_WHAT), dialog);
         searchLabel->setBuddy(search);
-        auto* columnLabel = new QLabel(Text(kInColumn), dialog);
+        auto* columnLabel = new QLabel(Text(NYR_IDS_FIND_IN_COLUMN), dialog);
         columnLabel->setBuddy(column);
         fields->addWidget(searchLabel, 0, 0);
         fields->addWidget(search, 0, 1);
@@ -129,7 +128,7 @@ struct CNyrListViewFindDialog::Private
     void FillColumns(const CNyrListView* view)
     {
         column->clear();
-        column->addItem(Text(26008), -1);
+        column->addItem(Text(NYR_IDS_ALL_COLUMNS), -1);
         if (!view)
             return;
         std::vector<std::pair<int, int>> byOrder;  // (display position, screen column)
@@ -144,7 +143,7 @@ struct CNyrListViewFindDialog::Private
 CNyrListViewFindDialog::CNyrListViewFindDialog(CNyrListViewFind* finder, QWidget* parent)
     : QDialog(parent, Qt::Tool), d(new Private{finder})
 {
-    setWindowTitle(Text(56122));
+    setWindowTitle(Text(NYR_IDS_TIP_FIND));
     setModal(false);
     d->CreateControls(this);
     d->LayOut(this);

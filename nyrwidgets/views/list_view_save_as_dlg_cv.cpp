@@ -22,10 +22,11 @@
 #include <unistd.h>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/platform/system_error.h"
-#include "nyr/platform/ascii_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/frame/dialog_hook.h"
@@ -36,10 +37,6 @@
 using nyr::views_detail::Text;
 
 namespace {
-
-constexpr unsigned kMbOk = 0x0;
-constexpr unsigned kMbIconError = 0x10;
-constexpr unsigned kMbIconExclamation = 0x30;
 
 // The longest header label written, in bytes (the label buffer of the list
 // control).
@@ -141,7 +138,7 @@ private:
     std::string m_buffer;
 };
 
-// The file types of the filter text 26241: descriptions and extensions, in
+// The file types of the filter text NYR_IDS_SAVE_AS_FILTER: descriptions and extensions, in
 // the order of the type bits 1, 2, 4.
 struct FileTypeEntry
 {
@@ -153,7 +150,7 @@ struct FileTypeEntry
 std::vector<FileTypeEntry> FileTypes()
 {
     std::vector<FileTypeEntry> types;
-    const QStringList parts = Text(26241).split(QLatin1Char('|'));
+    const QStringList parts = Text(NYR_IDS_SAVE_AS_FILTER).split(QLatin1Char('|'));
     for (qsizetype i = 0; i + 1 < parts.size() && !parts[i].isEmpty() && types.size() < 3; i += 2) {
         QString extension = parts[i + 1];
         extension.remove(QLatin1Char('*'));
@@ -194,26 +191,26 @@ struct CNyrListViewSaveAsDlgCV::Private
         fileType = new QComboBox(dialog);
         for (const FileTypeEntry& t : types)
             fileType->addItem(t.description, t.type);
-        header = new QCheckBox(Text(26243), dialog);
+        header = new QCheckBox(Text(NYR_IDS_SAVE_AS_INCLUDE_HEADER), dialog);
         rows = new QGroupBox(dialog);
         auto* rowsLayout = new QHBoxLayout(rows);
         auto* group = new QButtonGroup(dialog);
         for (int i = 0; i < 3; ++i) {
-            saveWhat[i] = new QRadioButton(Text(26047 + static_cast<unsigned int>(i)), rows);
+            saveWhat[i] = new QRadioButton(Text(NYR_IDS_ROWS_ALL + static_cast<unsigned int>(i)), rows);
             group->addButton(saveWhat[i], i);
             rowsLayout->addWidget(saveWhat[i]);
         }
         buttons = new QDialogButtonBox(dialog);
-        buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
-        buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
+        buttons->addButton(Text(NYR_IDS_BUTTON_OK), QDialogButtonBox::AcceptRole);
+        buttons->addButton(Text(NYR_IDS_BUTTON_CANCEL), QDialogButtonBox::RejectRole);
     }
 
     // Name and browse button, type, header, rows, OK and Cancel: one grid.
     void LayOut(QDialog* dialog)
     {
-        auto* nameLabel = new QLabel(Text(26069), dialog);
+        auto* nameLabel = new QLabel(Text(NYR_IDS_FILE_DLG_FILE_NAME), dialog);
         nameLabel->setBuddy(fileName);
-        auto* typeLabel = new QLabel(Text(26070), dialog);
+        auto* typeLabel = new QLabel(Text(NYR_IDS_FILE_DLG_FILE_TYPE), dialog);
         typeLabel->setBuddy(fileType);
         auto* grid = new QGridLayout(dialog);
         grid->addWidget(nameLabel, 0, 0);
@@ -243,7 +240,7 @@ struct CNyrListViewSaveAsDlgCV::Private
 CNyrListViewSaveAsDlgCV::CNyrListViewSaveAsDlgCV(SAVE_AS_INFO& info, QWidget* parent)
     : QDialog(parent), d(new Private{&info})
 {
-    setWindowTitle(Text(26242));
+    setWindowTitle(Text(NYR_IDS_SAVE_AS_TITLE));
     d->CreateControls(this);
     d->LayOut(this);
     connect(d->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
@@ -300,7 +297,7 @@ void CNyrListViewSaveAsDlgCV::ControlsToInfo()
 
 void CNyrListViewSaveAsDlgCV::Browse()
 {
-    QFileDialog dialog(this, Text(26068), d->fileName->text());
+    QFileDialog dialog(this, Text(NYR_IDS_FILE_DLG_SAVE_AS), d->fileName->text());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     QStringList filters;
     for (const FileTypeEntry& t : d->types)
@@ -336,7 +333,8 @@ void CNyrListViewSaveAsDlgCV::accept()
     ControlsToInfo();
     SAVE_AS_INFO& info = *d->info;
     if (info.fileName.empty()) {
-        NyrMessageBox(NyrLoadString(26271), windowTitle().toStdString(), kMbOk | kMbIconExclamation);
+        NyrMessageBox(NyrLoadString(NYR_IDS_FILE_NAME_EMPTY), windowTitle().toStdString(),
+                      NYR_MB_OK | NYR_MB_ICONWARNING);
         d->fileName->setFocus();
         return;
     }
@@ -458,7 +456,7 @@ int CNyrListViewSaveAsDlgCV::SaveData()
         return 0;
     const auto fail = [this](int error) {
         NyrMessageBox(NyrSystemErrorText(static_cast<unsigned long>(error)), windowTitle().toStdString(),
-                      kMbOk | kMbIconError);
+                      NYR_MB_OK | NYR_MB_ICONERROR);
         return 0;
     };
     ExportFile file(info.fileName);

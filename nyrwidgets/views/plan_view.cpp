@@ -10,6 +10,7 @@
 
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
 #include "nyrwidgets/app/browse.h"
@@ -264,14 +265,15 @@ int CNyrPlanView::ExportPng(const std::string& path, const QSize& size) const
 
 int CNyrPlanView::ExportPngDialog()
 {
-    const QString file = CNyrBrowse::Browse(this, CNyrBrowse::eSaveFile, QStringLiteral("CNyrPlanView"), {},
-                                            Text(26466) + QStringLiteral("|*.png||"), Text(26467));
-    if (file.isEmpty() || !CNyrBrowse::ConfirmReplace(this, file, Text(26467)))
+    const QString file =
+        CNyrBrowse::Browse(this, CNyrBrowse::eSaveFile, QStringLiteral("CNyrPlanView"), {},
+                           Text(NYR_IDS_FILTER_PNG) + QStringLiteral("|*.png||"), Text(NYR_IDS_PLAN_EXPORT_TITLE));
+    if (file.isEmpty() || !CNyrBrowse::ConfirmReplace(this, file, Text(NYR_IDS_PLAN_EXPORT_TITLE)))
         return 0;
     const std::string path = file.toStdString();
     if (ExportPng(path))
         return 1;
-    NyrMessageBox(NyrFormat(NyrLoadString(26468).c_str(), path.c_str()), {}, 0x10 /* MB_ICONERROR */);
+    NyrMessageBox(NyrFormat(NyrLoadString(NYR_IDS_PLAN_EXPORT_FAILED).c_str(), path.c_str()), {}, NYR_MB_ICONERROR);
     return 0;
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/views/plan_view_p.h"
 
 using namespace nyr::plan_detail;
@@ -68,7 +69,7 @@ void CNyrPlanView::Private::DrawNorthArrow(QPainter& painter, const Frame& frame
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(frame.font);
     painter.setPen(ink);
-    painter.drawText(letter, Qt::AlignCenter, Text(26010));
+    painter.drawText(letter, Qt::AlignCenter, Text(NYR_IDS_HEMISPHERE_NORTH));
     QPainterPath left;
     left.moveTo(cx, tip);
     left.lineTo(cx, base - 6 * k);

@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "nyr/frame/notifications.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/views/plan_view_p.h"
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_menu.h"
@@ -174,27 +175,28 @@ void CNyrPlanView::contextMenuEvent(QContextMenuEvent* e)
     CNyrReportViewMenuPopUp menu(d->view, this);
     const QPointF middle = QRectF(rect()).center();
     const bool anySelected = d->view && d->view->GetItemsSelected();
-    menu.AppendAction(26460, [this] { ZoomToAll(); });
-    menu.AppendAction(26461, [this] { ZoomToSelection(); }, anySelected);
-    menu.AppendAction(26462, [this, middle] { ZoomAt(middle, kZoomStep); });
-    menu.AppendAction(26463, [this, middle] { ZoomAt(middle, 1.0 / kZoomStep); });
+    menu.AppendAction(NYR_IDS_PLAN_ZOOM_ALL, [this] { ZoomToAll(); });
+    menu.AppendAction(
+        NYR_IDS_PLAN_ZOOM_SELECTION, [this] { ZoomToSelection(); }, anySelected);
+    menu.AppendAction(NYR_IDS_PLAN_ZOOM_IN, [this, middle] { ZoomAt(middle, kZoomStep); });
+    menu.AppendAction(NYR_IDS_PLAN_ZOOM_OUT, [this, middle] { ZoomAt(middle, 1.0 / kZoomStep); });
     menu.AppendSeparator();
-    QAction* labels = menu.AppendAction(26464, [this] { SetLabels(!GetLabels()); });
+    QAction* labels = menu.AppendAction(NYR_IDS_PLAN_LABELS, [this] { SetLabels(!GetLabels()); });
     labels->setCheckable(true);
     labels->setChecked(GetLabels());
     if (d->view) {
         menu.AppendSeparator();
         const bool any = d->view->GetItemCount() > 0;
-        menu.AppendCommand(26035, WM_NYR_REPORTVIEW_SELECT_ALL, any);
-        menu.AppendCommand(26036, WM_NYR_REPORTVIEW_INVERT_SELECTION, any);
+        menu.AppendCommand(NYR_IDS_MENU_SELECT_ALL, WM_NYR_REPORTVIEW_SELECT_ALL, any);
+        menu.AppendCommand(NYR_IDS_MENU_INVERT_SELECTION, WM_NYR_REPORTVIEW_INVERT_SELECTION, any);
         if (d->view->HasCheckBoxes()) {
-            menu.AppendCommand(26038, WM_NYR_REPORTVIEW_CHECK_ALL, any);
-            menu.AppendCommand(26039, WM_NYR_REPORTVIEW_INVERT_CHECKED, any);
+            menu.AppendCommand(NYR_IDS_MENU_CHECK_ALL, WM_NYR_REPORTVIEW_CHECK_ALL, any);
+            menu.AppendCommand(NYR_IDS_MENU_INVERT_CHECKED, WM_NYR_REPORTVIEW_INVERT_CHECKED, any);
         }
         if (d->OfferDelete())
-            menu.AppendCommand(26041, WM_NYR_REPORTVIEW_DELETE_SELECTED, anySelected);
+            menu.AppendCommand(NYR_IDS_MENU_DELETE, WM_NYR_REPORTVIEW_DELETE_SELECTED, anySelected);
     }
     menu.AppendSeparator();
-    menu.AppendAction(26465, [this] { ExportPngDialog(); });
+    menu.AppendAction(NYR_IDS_PLAN_EXPORT_PNG, [this] { ExportPngDialog(); });
     menu.exec(e->globalPos());
 }

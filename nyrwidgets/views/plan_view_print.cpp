@@ -4,6 +4,7 @@
 #include <QPointer>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/views/plan_view.h"
 
 struct CNyrPlanViewPrint::Private
@@ -23,7 +24,7 @@ int CNyrPlanViewPrint::Paginate(QPaintDevice&, const QSizeF& body, std::string& 
 {
     d->body = body;
     if (body.width() < 1.0 || body.height() < 1.0) {
-        error = NyrLoadString(26414);
+        error = NyrLoadString(NYR_IDS_PRINT_PAGE_TOO_SMALL);
         return 0;
     }
     return 1;

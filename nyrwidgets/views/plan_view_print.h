@@ -29,7 +29,7 @@ public:
     CNyrPlanViewPrint(const CNyrPlanViewPrint&) = delete;
     CNyrPlanViewPrint& operator=(const CNyrPlanViewPrint&) = delete;
 
-    // One page; 0 with 26414 for a body with no room.
+    // One page; 0 with NYR_IDS_PRINT_PAGE_TOO_SMALL for a body with no room.
     int Paginate(QPaintDevice& device, const QSizeF& body, std::string& error) override;
     void DrawPage(QPainter& painter, int page) override;
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/values/unit_settings.h"
 #include "nyr/values/value.h"
@@ -97,7 +98,7 @@ QString nyr::plan_detail::CoordinateText(double e, double n, double pixelSize,
     double metresPerUnit = 1.0;
     const long unit = DistanceUnit(metresPerUnit);
     const double step = pixelSize / metresPerUnit;
-    std::string text = NyrFormat(NyrLoadString(26469).c_str(), Decimal(e / metresPerUnit, step).c_str(),
+    std::string text = NyrFormat(NyrLoadString(NYR_IDS_PLAN_CURSOR).c_str(), Decimal(e / metresPerUnit, step).c_str(),
                                  Decimal(n / metresPerUnit, step).c_str(), Abbreviation(unit).c_str());
     if (projection) {
         const std::string geographic = Geographic(e, n, projection);

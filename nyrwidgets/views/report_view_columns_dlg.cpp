@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/views/report_view.h"
 #include "nyrwidgets/views/report_view_col.h"
 #include "nyrwidgets/views/views_text_p.h"
@@ -26,8 +27,6 @@ constexpr int kMaxWidth = 32767;
 constexpr int kRealColRole = Qt::UserRole + 1;
 
 // The dialog's own labels in the text table.
-constexpr unsigned int kWidthHeading = 26302, kMoveUp = 26303, kMoveDown = 26304, kDefaults = 26305,
-                       kColumnHeading = 26340;
 
 // Widths are edited in a spin box of the valid range.
 class WidthDelegate : public QStyledItemDelegate
@@ -81,11 +80,11 @@ struct CNyrReportViewColumnsDlg::Private
 
     void CreateControls(QDialog* dialog)
     {
-        all = new QCheckBox(Text(26008), dialog);
+        all = new QCheckBox(Text(NYR_IDS_ALL_COLUMNS), dialog);
         all->setTristate(true);
         all->setEnabled(style & CNyrReportView::ColumnsDlgVisibility);
         list = new QTableWidget(0, 2, dialog);
-        list->setHorizontalHeaderLabels({Text(kColumnHeading), Text(kWidthHeading)});
+        list->setHorizontalHeaderLabels({Text(NYR_IDS_HEADING_COLUMN), Text(NYR_IDS_COLUMNS_WIDTH)});
         list->horizontalHeader()->setSectionResizeMode(kLabelColumn, QHeaderView::Stretch);
         list->verticalHeader()->hide();
         list->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -93,15 +92,15 @@ struct CNyrReportViewColumnsDlg::Private
         list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                               QAbstractItemView::AnyKeyPressed);
         list->setItemDelegateForColumn(kWidthColumn, new WidthDelegate(list));
-        up = new QPushButton(Text(kMoveUp), dialog);
-        down = new QPushButton(Text(kMoveDown), dialog);
-        defaults = new QPushButton(Text(kDefaults), dialog);
+        up = new QPushButton(Text(NYR_IDS_COLUMNS_MOVE_UP), dialog);
+        down = new QPushButton(Text(NYR_IDS_COLUMNS_MOVE_DOWN), dialog);
+        defaults = new QPushButton(Text(NYR_IDS_COLUMNS_DEFAULTS), dialog);
         up->setVisible(style & CNyrReportView::ColumnsDlgOrder);
         down->setVisible(style & CNyrReportView::ColumnsDlgOrder);
         defaults->setVisible(style & CNyrReportView::ColumnsDlgDefaults);
         buttons = new QDialogButtonBox(dialog);
-        ok = buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
-        buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
+        ok = buttons->addButton(Text(NYR_IDS_BUTTON_OK), QDialogButtonBox::AcceptRole);
+        buttons->addButton(Text(NYR_IDS_BUTTON_CANCEL), QDialogButtonBox::RejectRole);
     }
 
     // "[All columns]" on top, the list with the move and defaults buttons
@@ -155,7 +154,7 @@ CNyrReportViewColumnsDlg::CNyrReportViewColumnsDlg(CNyrReportView* view, QWidget
     : QDialog(parent ? parent : view), d(new Private{view})
 {
     d->style = view ? view->GetColumnsDlgStyle() : 0;
-    setWindowTitle(QString::fromStdString(nyr::views_detail::MenuTextAsTitle(26043)));
+    setWindowTitle(QString::fromStdString(nyr::views_detail::MenuTextAsTitle(NYR_IDS_MENU_COLUMNS)));
     d->CreateControls(this);
     d->LayOut(this);
     connect(d->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 
 #include "nyr/frame/notifications.h"
+#include "nyr/frame/text_ids.h"
 #include "nyrwidgets/frame/message_event.h"
 #include "nyrwidgets/views/header_ctrl_sort.h"
 #include "nyrwidgets/views/report_view_p.h"
@@ -397,7 +398,7 @@ void CNyrReportView::InsertMenuSort(CNyrReportViewMenuPopUp& menu, unsigned int 
 {
     // The column the sort entries act on.
     d->menuRealCol = realCol < d->cols.size() ? static_cast<int>(realCol) : -1;
-    CNyrReportViewMenuPopUp* sub = menu.AppendSubMenu(26023);
+    CNyrReportViewMenuPopUp* sub = menu.AppendSubMenu(NYR_IDS_MENU_SORT);
     const bool single = d->sortState.size() == 1 && d->sortState[0].realCol == realCol;
     const auto checkable = [](QAction* action, bool checked) {
         action->setCheckable(true);
@@ -415,10 +416,11 @@ void CNyrReportView::InsertMenuViewHide(CNyrReportViewMenuPopUp& menu, unsigned 
     const CNyrReportViewCol* col = GetRealCol(realCol);
     menu.AppendSeparator();
     menu.AppendAction(
-        26027, [this, realCol] { HideRealCol(realCol, 1, 1); }, GetColumnCount() > 1 && col && col->IsVisible());
+        NYR_IDS_MENU_HIDE, [this, realCol] { HideRealCol(realCol, 1, 1); },
+        GetColumnCount() > 1 && col && col->IsVisible());
     d->AppendCommand(menu, WM_NYR_REPORTVIEW_HIDE_ALL_COLS);
     const QAction* viewAll = d->AppendCommand(menu, WM_NYR_REPORTVIEW_VIEW_ALL_COLS);
-    CNyrReportViewMenuPopUp* view = menu.AppendSubMenu(26030, viewAll->isEnabled());
+    CNyrReportViewMenuPopUp* view = menu.AppendSubMenu(NYR_IDS_MENU_VIEW, viewAll->isEnabled());
     for (std::size_t c = 0; c < d->cols.size(); ++c) {
         const auto r = static_cast<unsigned int>(c);
         if (d->cols[c]->IsHidden() && !d->cols[c]->IsDeleted())

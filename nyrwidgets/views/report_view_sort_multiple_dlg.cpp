@@ -9,6 +9,7 @@
 #include <QRadioButton>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/views/report_view_col.h"
 #include "nyrwidgets/views/views_text_p.h"
@@ -19,7 +20,6 @@ using nyr::views_detail::Text;
 namespace {
 
 constexpr int kKeys = 3;
-constexpr unsigned kMbIconExclamation = 0x30;
 
 }  // namespace
 
@@ -48,8 +48,8 @@ struct CNyrReportViewSortMultipleDlg::Private
         }
         grid->addWidget(box, k, 1);
         auto* group = new QButtonGroup(dialog);
-        ascending[k] = new QRadioButton(QString::fromStdString(MenuTextAsTitle(26024)), dialog);
-        descending[k] = new QRadioButton(QString::fromStdString(MenuTextAsTitle(26025)), dialog);
+        ascending[k] = new QRadioButton(QString::fromStdString(MenuTextAsTitle(NYR_IDS_MENU_SORT_ASCENDING)), dialog);
+        descending[k] = new QRadioButton(QString::fromStdString(MenuTextAsTitle(NYR_IDS_MENU_SORT_DESCENDING)), dialog);
         group->addButton(ascending[k]);
         group->addButton(descending[k]);
         ascending[k]->setChecked(true);
@@ -61,13 +61,13 @@ struct CNyrReportViewSortMultipleDlg::Private
 CNyrReportViewSortMultipleDlg::CNyrReportViewSortMultipleDlg(CNyrReportView* view, QWidget* parent)
     : QDialog(parent ? parent : view), d(new Private)
 {
-    setWindowTitle(QString::fromStdString(MenuTextAsTitle(26044)));
+    setWindowTitle(QString::fromStdString(MenuTextAsTitle(NYR_IDS_MENU_SORT_MULTIPLE)));
     auto* grid = new QGridLayout(this);
     for (int k = 0; k < kKeys; ++k)
         d->AddKeyRow(this, grid, k, view);
     auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(Text(26099), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Text(26100), QDialogButtonBox::RejectRole);
+    buttons->addButton(Text(NYR_IDS_BUTTON_OK), QDialogButtonBox::AcceptRole);
+    buttons->addButton(Text(NYR_IDS_BUTTON_CANCEL), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     grid->addWidget(buttons, kKeys, 0, 1, 4);
@@ -128,7 +128,7 @@ void CNyrReportViewSortMultipleDlg::accept()
     else if (third != kNoColumn && (third == second || third == first))
         offending = 2;
     if (offending >= 0) {
-        NyrMessageBox(NyrLoadString(26094), windowTitle().toStdString(), kMbIconExclamation);
+        NyrMessageBox(NyrLoadString(NYR_IDS_INPUT_COLUMN_TWICE), windowTitle().toStdString(), NYR_MB_ICONWARNING);
         d->choice[offending]->setFocus();
         return;
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/time/time.h"
 
@@ -72,13 +73,13 @@ int CNyrPrintout::Private::LayOut(QPagedPaintDevice& device, FrameLayout& frame)
     frame = LayOutFrame(device, font);
     // The body must hold at least a line of the frame font.
     if (frame.body.width() < frame.line || frame.body.height() < frame.line)
-        return Fail(26414);
+        return Fail(NYR_IDS_PRINT_PAGE_TOO_SMALL);
     int total = 0;
     for (CNyrPrintPart* part : parts) {
         std::string partError;
         const int count = part->Paginate(device, frame.body.size(), partError);
         if (count <= 0) {
-            error = partError.empty() ? NyrLoadString(26414) : partError;
+            error = partError.empty() ? NyrLoadString(NYR_IDS_PRINT_PAGE_TOO_SMALL) : partError;
             return 0;
         }
         pageCounts.push_back(count);
@@ -103,8 +104,7 @@ void CNyrPrintout::Private::DrawFrame(QPainter& painter, const FrameLayout& fram
     const double rule = frame.line * 1.15;
     painter.drawLine(QPointF(0, rule), QPointF(frame.width, rule));
 
-    const QString footer =
-        QString::fromStdString(NyrFormat(NyrLoadString(26065).c_str(), page, total));
+    const QString footer = QString::fromStdString(NyrFormat(NyrLoadString(NYR_IDS_PRINT_PAGE_OF).c_str(), page, total));
     painter.drawText(QPointF((frame.width - fm.horizontalAdvance(footer)) / 2, frame.height - frame.line + frame.ascent),
                      footer);
 }
@@ -152,16 +152,17 @@ int CNyrPrintout::Print(QPagedPaintDevice& device)
     if (total == 0)
         return 0;
     const CNyrTime when = d->printedOn ? *d->printedOn : CNyrTime();
-    const QString stamp = QString::fromStdString(NyrFormat(NyrLoadString(26066).c_str(), when.Format().c_str()));
+    const QString stamp =
+        QString::fromStdString(NyrFormat(NyrLoadString(NYR_IDS_PRINT_PRINTED_ON).c_str(), when.Format().c_str()));
     QPainter painter;
     if (!painter.begin(&device))
-        return d->Fail(26416);
+        return d->Fail(NYR_IDS_PRINT_PRINTER_FAILED);
     int page = 0;
     for (std::size_t part = 0; part < d->parts.size(); ++part) {
         for (int p = 0; p < d->pageCounts[part]; ++p) {
             if (page > 0 && !device.newPage()) {
                 painter.end();
-                return d->Fail(26416);
+                return d->Fail(NYR_IDS_PRINT_PRINTER_FAILED);
             }
             ++page;
             d->DrawFrame(painter, frame, stamp, page, total);
@@ -173,6 +174,6 @@ int CNyrPrintout::Print(QPagedPaintDevice& device)
         }
     }
     if (!painter.end())
-        return d->Fail(26416);
+        return d->Fail(NYR_IDS_PRINT_PRINTER_FAILED);
     return total;
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "nyr/frame/notifications.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyrwidgets/frame/dialog_hook.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
@@ -103,7 +104,7 @@ int CNyrListView::Print()
     std::string error;
     const int pages = NyrPrintListView(info, printer, &error);
     if (pages == 0)
-        ShowError(error, 26040);
+        ShowError(error, NYR_IDS_MENU_PRINT);
     return pages;
 }
 
@@ -116,7 +117,7 @@ int CNyrListView::PrintPreview()
     // A layout that fails is told before the preview, not as empty pages.
     std::string error;
     if (NyrCountListViewPages(info, printer, &error) == 0) {
-        ShowError(error, 26400);
+        ShowError(error, NYR_IDS_MENU_PRINT_PREVIEW);
         return 0;
     }
     QPrintPreviewDialog preview(&printer, this);
@@ -127,7 +128,7 @@ int CNyrListView::PrintPreview()
     NyrExecDialog(preview);
     CNyrListViewPrint::StoreCustomProperties(info, InifileSection());
     if (!error.empty())
-        ShowError(error, 26400);
+        ShowError(error, NYR_IDS_MENU_PRINT_PREVIEW);
     return 1;
 }
 

@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/frame/ui_hooks.h"
 #include "nyr/platform/string_format.h"
 #include "nyrwidgets/app/browse.h"
@@ -80,14 +81,16 @@ struct CNyrListViewPrintDlg::Private
 CNyrListViewPrintDlg::CNyrListViewPrintDlg(CNyrListViewPrint::PRINT_INFO& info, int mode, QWidget* parent)
     : CNyrDialog(parent, "CNyrListViewPrintDlg"), d(new Private{&info, mode})
 {
-    setWindowTitle(QString::fromStdString(
-        nyr::views_detail::MenuTextAsTitle(mode == ModePdf ? 26401 : mode == ModePreview ? 26400 : 26040)));
+    setWindowTitle(
+        QString::fromStdString(nyr::views_detail::MenuTextAsTitle(mode == ModePdf       ? NYR_IDS_MENU_EXPORT_PDF
+                                                                  : mode == ModePreview ? NYR_IDS_MENU_PRINT_PREVIEW
+                                                                                        : NYR_IDS_MENU_PRINT)));
     auto* grid = new QGridLayout;
     ContentLayout()->addLayout(grid);
     int row = 0;
     if (mode == ModePdf) {
         d->fileName = new QLineEdit(this);
-        auto* label = new QLabel(Text(26069), this);
+        auto* label = new QLabel(Text(NYR_IDS_FILE_DLG_FILE_NAME), this);
         label->setBuddy(d->fileName);
         auto* browse = new QToolButton(this);
         browse->setText(QStringLiteral("..."));
@@ -99,15 +102,20 @@ CNyrListViewPrintDlg::CNyrListViewPrintDlg(CNyrListViewPrint::PRINT_INFO& info, 
         line->addWidget(browse);
         grid->addLayout(line, row++, 0, 1, 2);
     }
-    grid->addWidget(RadioGroup(this, 26402, {26047, 26048, 26049}, d->printWhat), row, 0);
-    grid->addWidget(RadioGroup(this, 26403, {26404, 26405}, d->fit), row++, 1);
-    grid->addWidget(RadioGroup(this, 26406, {26407, 26408}, d->orientation), row, 0);
-    auto* marginBox = new QGroupBox(Text(26409), this);
+    grid->addWidget(RadioGroup(this, NYR_IDS_PRINT_ROWS,
+                               {NYR_IDS_ROWS_ALL, NYR_IDS_ROWS_SELECTED, NYR_IDS_ROWS_CHECKED}, d->printWhat),
+                    row, 0);
+    grid->addWidget(
+        RadioGroup(this, NYR_IDS_PRINT_LAYOUT, {NYR_IDS_PRINT_FIT_WIDTH, NYR_IDS_PRINT_KEEP_WIDTHS}, d->fit), row++, 1);
+    grid->addWidget(
+        RadioGroup(this, NYR_IDS_PRINT_ORIENTATION, {NYR_IDS_PRINT_PORTRAIT, NYR_IDS_PRINT_LANDSCAPE}, d->orientation),
+        row, 0);
+    auto* marginBox = new QGroupBox(Text(NYR_IDS_PRINT_MARGINS), this);
     auto* form = new QFormLayout(marginBox);
     for (int side = 0; side < 4; ++side) {
         d->margins[side] = new QSpinBox(marginBox);
         d->margins[side]->setRange(0, 100);
-        form->addRow(Text(26410 + static_cast<unsigned int>(side)), d->margins[side]);
+        form->addRow(Text(NYR_IDS_PRINT_MARGIN_LEFT + static_cast<unsigned int>(side)), d->margins[side]);
     }
     grid->addWidget(marginBox, row, 1);
     InfoToControls();
@@ -183,7 +191,7 @@ bool CNyrListViewPrintDlg::WritePdf()
     CNyrListViewPrint::PRINT_INFO& info = *d->info;
     const std::string caption = windowTitle().toStdString();
     if (info.fileName.empty()) {
-        NyrMessageBox(NyrLoadString(26271), caption, NYR_MB_OK | NYR_MB_ICONWARNING);
+        NyrMessageBox(NyrLoadString(NYR_IDS_FILE_NAME_EMPTY), caption, NYR_MB_OK | NYR_MB_ICONWARNING);
         d->fileName->setFocus();
         return false;
     }
@@ -209,7 +217,7 @@ bool CNyrListViewPrintDlg::WritePdf()
 void CNyrListViewPrintDlg::Browse()
 {
     const QString file = CNyrBrowse::Browse(this, CNyrBrowse::eSaveFile, QStringLiteral("CNyrListViewPrintDlg"),
-                                            d->fileName->text(), Text(26417) + QStringLiteral("|*.pdf||"));
+                                            d->fileName->text(), Text(NYR_IDS_FILTER_PDF) + QStringLiteral("|*.pdf||"));
     if (!file.isEmpty())
         d->fileName->setText(file);
 }

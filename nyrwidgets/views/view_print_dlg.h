@@ -48,7 +48,7 @@ public:
 
 protected:
     // OK: the controls into the info. For a PDF: an empty name is refused
-    // (26271), ".pdf" is added to a name without an extension, replacing an
+    // (NYR_IDS_FILE_NAME_EMPTY), ".pdf" is added to a name without an extension, replacing an
     // existing file is asked first (CNyrBrowse::ConfirmReplace), and the file
     // is written; a failure is shown and the dialog stays open.
     bool OnOK() override;

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "nyr/frame/resource_module.h"
+#include "nyr/frame/text_ids.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/views/list_ctrl.h"
@@ -294,7 +295,7 @@ int CNyrListViewPrint::Paginate(QPaintDevice& device, const QSizeF& body, std::s
     d->rowsPerPage = static_cast<int>(std::floor((height - d->headerHeight) / d->rowHeight));
     // A page narrower than a few characters cannot show a cell either.
     if (d->rowsPerPage < 1 || body.width() < 4 * d->fm->averageCharWidth()) {
-        error = NyrLoadString(26414);
+        error = NyrLoadString(NYR_IDS_PRINT_PAGE_TOO_SMALL);
         return 0;
     }
     d->CountRows(*this);
@@ -379,7 +380,7 @@ int PrintOrCount(const CNyrListViewPrint::PRINT_INFO& info, QPagedPaintDevice& d
     std::string& why = error ? *error : ignored;
     why.clear();
     if (!CNyrListViewPrint::ApplyPageLayout(info, device)) {
-        why = NyrLoadString(26414);
+        why = NyrLoadString(NYR_IDS_PRINT_PAGE_TOO_SMALL);
         return 0;
     }
     CNyrListViewPrint part(info);
@@ -413,11 +414,11 @@ int NyrExportListViewPdf(const CNyrListViewPrint::PRINT_INFO& info, std::string*
     std::string ignored;
     std::string& why = error ? *error : ignored;
     auto fail = [&info, &why](const std::string& reason) {
-        why = NyrFormat(NyrLoadString(26415).c_str(), info.fileName.c_str(), reason.c_str());
+        why = NyrFormat(NyrLoadString(NYR_IDS_PRINT_PDF_CANNOT_WRITE).c_str(), info.fileName.c_str(), reason.c_str());
         return 0;
     };
     if (info.fileName.empty())
-        return fail(NyrLoadString(26271));
+        return fail(NyrLoadString(NYR_IDS_FILE_NAME_EMPTY));
     // The pages go to a temporary file beside the target, renamed over it
     // once complete; a failure removes it.
     QSaveFile file(QString::fromStdString(info.fileName));

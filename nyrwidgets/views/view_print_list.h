@@ -56,7 +56,7 @@ public:
     explicit CNyrListViewPrint(const PRINT_INFO& info);
     ~CNyrListViewPrint() override;
 
-    // 0 with 26414 when the page cannot hold the header row and one row.
+    // 0 with NYR_IDS_PRINT_PAGE_TOO_SMALL when the page cannot hold the header row and one row.
     int Paginate(QPaintDevice& device, const QSizeF& body, std::string& error) override;
     void DrawPage(QPainter& painter, int page) override;
 
@@ -94,7 +94,8 @@ NYR_EXPORT int NyrCountListViewPages(const CNyrListViewPrint::PRINT_INFO& info, 
 // Writes the view to the PDF file info.fileName on paper of info.pageSize.
 // The file appears whole or not at all: an existing file is replaced only
 // once the new one is complete. Returns the number of pages; 0, with the
-// reason (26414, 26415, 26416) in *error, when no file was written.
+// reason (NYR_IDS_PRINT_PAGE_TOO_SMALL, NYR_IDS_PRINT_PDF_CANNOT_WRITE, NYR_IDS_PRINT_PRINTER_FAILED) in *error, when
+// no file was written.
 NYR_EXPORT int NyrExportListViewPdf(const CNyrListViewPrint::PRINT_INFO& info, std::string* error = nullptr);
 
 // The command messages of the print entries in the views' menus, registered

@@ -173,7 +173,7 @@ void CMainWindow::SetUpPlan()
 
 void CMainWindow::ShowError(const std::string& text)
 {
-    NyrMessageBox(text, Text(TxtAppName), 0x10 /* MB_ICONERROR */);
+    NyrMessageBox(text, Text(TxtAppName), NYR_MB_ICONERROR);
 }
 
 }  // namespace survey
