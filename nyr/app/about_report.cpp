@@ -57,6 +57,6 @@ std::string NyrAboutText(const std::vector<CNyrAboutLine>& lines)
 {
     std::string text;
     for (const auto& [label, value] : lines)
-        text += label + ": " + value + "\n";
+        text.append(label).append(": ").append(value).append("\n");
     return text;
 }

@@ -87,9 +87,10 @@ std::string DesktopEntryExecOf(const std::string& id)
         names.push_back(id.substr(0, dash) + "/" + id.substr(dash + 1));
     std::string exec;
     ForEachFolder(search, [&](const std::string& folder) {
+        const std::string applications = folder + "/applications/";
         for (const auto& name : names) {
             std::string text;
-            if (NyrReadRegularFile(folder + "/applications/" + name, kMaxDesktopFile, text)) {
+            if (NyrReadRegularFile(applications + name, kMaxDesktopFile, text)) {
                 exec = NyrDesktopEntryExec(text);
                 return true;
             }

@@ -205,6 +205,7 @@ void CNyrMailMessage::MailerNameDefault(const char* name)
     MailerNameDefaultValue() = name ? name : "";
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the virtual takes the address by value, and so do its overrides
 int CNyrMailMessage::CheckMailAddress(MAIL_ADDRESS address) const
 {
     // Control characters are refused too, so that no address or name can

@@ -249,7 +249,8 @@ void CNyrInputControl::Commit(std::any value)
     d->value = value;
     // The text as the unit writes the value ("12.5" shows as 12° 30' 00.00000").
     d->writing = true;
-    ReplaceTextAsStep(value.has_value() ? Render(value) : text(), value);
+    const QString shown = value.has_value() ? Render(value) : text();
+    ReplaceTextAsStep(shown, std::move(value));
     d->writing = false;
     d->valid = true;
     ShowMessage({});

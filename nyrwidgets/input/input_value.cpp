@@ -195,7 +195,7 @@ std::string CNyrInputValue::Description() const
     const NYR_UNIT_TEXT* row = NyrIsAngleUnit(unit) ? NyrUnitTableAngle() : NyrUnitTableDistance();
     while (row->unit != -1 && row->unit != unit)
         ++row;
-    const std::string kind = CNyrInputControl::Description();
+    std::string kind = CNyrInputControl::Description();
     if (row->unit == -1)
         return kind;
     return NyrFormat(NyrLoadString(NYR_IDS_FIELD_IN_UNIT).c_str(), kind.c_str(),

@@ -4,6 +4,7 @@
 
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/text_ids.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyr/platform/string_format.h"
 #include "nyr/values/unit_settings.h"
 #include "nyr/values/value.h"
@@ -41,13 +42,6 @@ std::string Decimal(double value, double step)
     return QString::number(value, 'f', decimals).toStdString();
 }
 
-std::string Trimmed(std::string text)
-{
-    const auto first = text.find_first_not_of(' ');
-    const auto last = text.find_last_not_of(' ');
-    return first == std::string::npos ? std::string() : text.substr(first, last - first + 1);
-}
-
 // Latitude and longitude in the geographic angle unit; empty where the
 // projection has no answer.
 std::string Geographic(double e, double n, const CNyrPlanView::Projection& projection)
@@ -68,7 +62,10 @@ std::string Geographic(double e, double n, const CNyrPlanView::Projection& proje
     std::string b;
     latitude.GetString(a);
     longitude.GetString(b);
-    return Trimmed(a) + "  " + Trimmed(b);
+    std::string text(nyr::ascii::Trimmed(a));
+    text += "  ";
+    text += nyr::ascii::Trimmed(b);
+    return text;
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include "nyrwidgets/views/report_view_columns_dlg.h"
 #include "nyrwidgets/views/report_view_p.h"
 
-using nyr::views_detail::Ix;
 using nyr::views_detail::IxInt;
 
 using nyr::detail::kStoredWidthDeleted;

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QTimer>
 #include <cstdio>
+#include <utility>
 
 #include "apps/nyr-survey/project/survey_point.h"
 #include "apps/nyr-survey/tour/tour_steps.h"
@@ -83,7 +84,7 @@ QTimer* CTourRunner::WhenModal(const char* className, std::function<void(QDialog
     auto* timer = new QTimer(m_window.get());
     auto waited = std::make_shared<int>(0);
     timer->setInterval(20);
-    QObject::connect(timer, &QTimer::timeout, timer, [this, timer, waited, className, act] {
+    QObject::connect(timer, &QTimer::timeout, timer, [this, timer, waited, className, act = std::move(act)] {
         QWidget* modal = QApplication::activeModalWidget();
         auto* dialog = qobject_cast<QDialog*>(modal);
         if (dialog && dialog->inherits(className) && dialog->isVisible()) {

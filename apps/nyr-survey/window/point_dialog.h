@@ -21,7 +21,7 @@ class CPointDialog : public CNyrDialog
     Q_OBJECT
 public:
     // `point` must outlive the dialog.
-    CPointDialog(CSurveyPoint& point, QWidget* parent = nullptr);
+    explicit CPointDialog(CSurveyPoint& point, QWidget* parent = nullptr);
     ~CPointDialog() override;
 
     CNyrInputString* NameField() const { return m_name; }
