@@ -82,7 +82,7 @@ protected:
         QTest::keyClick(editor, Qt::Key_Return);
         if (!View().GetInplaceEditor())
             return {};
-        const std::string message = editor->GetMessage();
+        std::string message = editor->GetMessage();
         View().EndInplaceEdit(0);
         return message;
     }

@@ -164,6 +164,10 @@ TEST_F(MailHandOff, EveryFieldArrivesByteForByteAtEachKindOfClient)
     const std::string file = m_dir.File("data/a\\b 'c\" ,&?%41#;\n\xc3\xbc.txt");
     WriteFile(file, "points");
     const std::vector<std::string> files = {file, m_dir.File("data/a\\b 'c\" ,&?%41#;\n\xc3\xbc.txt")};
+    // As the handler receives them: line ends in the subject become blanks, in
+    // the body CR LF.
+    const std::string sentSubject = hostile + " second third";
+    const std::string sentBody = hostile + "\r\n" + hostile + "\r\nlast\r\nline";
 
     const struct
     {
@@ -180,8 +184,8 @@ TEST_F(MailHandOff, EveryFieldArrivesByteForByteAtEachKindOfClient)
         EXPECT_EQ(Received(), (Fields{{"to", "O'Brien & Co #1?% <o'brien+x%41#y?z&w@example.org>"},
                                       {"cc", "\"Dr. A. Smith (Survey)\" <smith@example.org>"},
                                       {"bcc", "eve@example.org"},
-                                      {"subject", hostile + " second third"},
-                                      {"body", hostile + "\r\n" + hostile + "\r\nlast\r\nline"},
+                                      {"subject", sentSubject},
+                                      {"body", sentBody},
                                       {c.attachField, file},
                                       {c.attachField, file}}))
             << c.client;

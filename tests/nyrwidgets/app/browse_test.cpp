@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/msgbox/message_box_dialog.h"
@@ -49,7 +50,7 @@ struct BrowseFixture : ::testing::Test
     void Answer(std::function<QString(QFileDialog&)> choose)
     {
         answer.reset();
-        answer = std::make_unique<nyr::test::DialogAnswer>([this, choose](QDialog& dialog) {
+        answer = std::make_unique<nyr::test::DialogAnswer>([this, choose = std::move(choose)](QDialog& dialog) {
             auto& files = dynamic_cast<QFileDialog&>(dialog);
             ++shown;
             seen = {files.windowTitle(), files.labelText(QFileDialog::FileName),

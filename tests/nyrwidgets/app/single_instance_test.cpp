@@ -82,7 +82,7 @@ struct SingleInstanceFixture : ::testing::Test
     {
         setenv("XDG_RUNTIME_DIR", runtime.Path().c_str(), 1);
         setenv("XDG_SESSION_ID", "test", 1);
-        const QString path = QString::fromStdString(CNyrInstanceLock("survey").SocketPath());
+        QString path = QString::fromStdString(CNyrInstanceLock("survey").SocketPath());
         unsetenv("XDG_RUNTIME_DIR");
         return path;
     }

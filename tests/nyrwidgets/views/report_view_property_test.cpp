@@ -20,6 +20,7 @@
 #include <random>
 #include <sstream>
 
+#include "nyr/platform/string_format.h"
 #include "tests/nyrwidgets/views/views_test_p.h"
 
 using nyr::test::DialogAnswer;
@@ -90,7 +91,7 @@ public:
             const std::string op = Step();
             const std::string fault = Check();
             if (!fault.empty())
-                return "step " + std::to_string(step) + " (" + op + "): " + fault;
+                return NyrFormat("step %d (%s): %s", step, op.c_str(), fault.c_str());
         }
         return {};
     }

@@ -417,7 +417,7 @@ TEST(ListViewSort, HeaderClickSortsTextsInByteOrderAndRowsKeepTheirData)
     for (int i = 0; i < 5; ++i) {
         list.InsertItem(i, names[i]);
         list.SetItemText(i, 1, i % 2 ? "x" : "y");
-        list.SetItemData(i, static_cast<quintptr>(100 + i));
+        list.SetItemData(i, static_cast<quintptr>(i) + 100);
     }
     list.resize(300, 200);
     list.show();

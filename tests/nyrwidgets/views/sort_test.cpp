@@ -6,6 +6,7 @@
 #include <numeric>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "nyrwidgets/views/sample_sort_p.h"
@@ -41,8 +42,8 @@ struct Sorter
 };
 
 const Sorter kSorters[] = {
-    {"intro", [](Ints::iterator f, Ints::iterator l, IntLess less) { nyr::NyrIntroSort(f, l, less); }},
-    {"sample", [](Ints::iterator f, Ints::iterator l, IntLess less) { nyr::NyrSampleSort(f, l, less); }},
+    {"intro", [](Ints::iterator f, Ints::iterator l, IntLess less) { nyr::NyrIntroSort(f, l, std::move(less)); }},
+    {"sample", [](Ints::iterator f, Ints::iterator l, IntLess less) { nyr::NyrSampleSort(f, l, std::move(less)); }},
 };
 
 class Sort : public testing::TestWithParam<Sorter>
