@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Runs clang-tidy (the checks in .clang-tidy) on the C++ sources changed
 # against a base revision, through the build's compile_commands.json.
-#   scripts/tidy.sh [BASE]      BASE: a revision; default origin/main, else
-#                               the merge base with main; with neither (or
-#                               BASE "all") every source file.
+#   scripts/tidy.sh [BASE]      BASE: a revision, or "all" for every source.
+# Without BASE: the merge base with origin/main, else with main, so a branch
+# is checked for what it changes. Where that is HEAD itself (CI on main, a
+# fresh clone) or there is no main, the last commit's changes instead (base
+# HEAD~1, a merge's first parent: all the merge brought in); in a repository
+# of one commit every source.
 # Headers are checked through the sources that include them. A finding fails
 # the run. NYR_BUILD_DIR names the build (default build/; built first when it
 # has no compile_commands.json). NYR_TIDY_TIMEOUT bounds each file (s, 300).
@@ -19,12 +22,14 @@ nyr_install_packages tidy
 
 base=${1:-}
 if [ -z "$base" ]; then
-  if git rev-parse -q --verify origin/main >/dev/null; then
-    base=origin/main
-  elif git rev-parse -q --verify main >/dev/null; then
-    base=$(git merge-base HEAD main)
-  else
-    base=all
+  for ref in origin/main main; do
+    if git rev-parse -q --verify "$ref^{commit}" >/dev/null; then
+      base=$(git merge-base HEAD "$ref" || true)
+      break
+    fi
+  done
+  if [ -z "$base" ] || [ "$base" = "$(git rev-parse HEAD)" ]; then
+    base=$(git rev-parse -q --verify HEAD~1) || base=all
   fi
 fi
 
@@ -48,7 +53,7 @@ fi
 mapfile -t files < <(printf '%s\n' "${files[@]}" | while read -r f; do
   grep -q "\"file\": \"$NYR_ROOT/$f\"" "$build/compile_commands.json" && echo "$f"; done)
 
-echo "clang-tidy on ${#files[@]} file(s) against ${base}"
+echo "clang-tidy on ${#files[@]} file(s) against ${base:0:12}"
 [ ${#files[@]} -eq 0 ] && exit 0
 printf '%s\n' "${files[@]}" |
   xargs -P"$(nproc)" -n1 timeout "$per_file" clang-tidy -p "$build" --quiet --warnings-as-errors='*' 2>/dev/null
