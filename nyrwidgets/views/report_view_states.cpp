@@ -5,7 +5,6 @@
 #include "nyrwidgets/views/report_view_p.h"
 
 using nyr::views_detail::Ix;
-using nyr::views_detail::IxInt;
 using RealItem = nyr::views_detail::RealItem;
 using ScreenItem = nyr::views_detail::ScreenItem;
 
