@@ -8,7 +8,8 @@
 // Style word of a message box: the platform's message-box style values plus
 // flags of the library's own for the extended buttons. One value of each
 // group may be combined with any of the extended-button flags.
-enum eNyrMessageBoxStyle : unsigned {
+enum eNyrMessageBoxStyle : unsigned
+{
     // Button sets (low nibble). Values 7 to 15 show the OK set.
     NYR_MB_OK = 0x0,                 // OK
     NYR_MB_OKCANCEL = 0x1,           // OK, Cancel
@@ -50,7 +51,8 @@ enum eNyrMessageBoxStyle : unsigned {
 
 // Result codes of a message box; also the remembered answers. The first nine
 // are the platform's standard message-box results, 101 to 104 the library's.
-enum eNyrMessageBoxResult : int {
+enum eNyrMessageBoxResult : int
+{
     NYR_IDOK = 1,
     NYR_IDCANCEL = 2,
     NYR_IDABORT = 3,
