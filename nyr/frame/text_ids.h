@@ -5,7 +5,8 @@
 // translation. The numbers are part of the interface, since language
 // modules translate by number; the list with the numbers is
 // nyr/frame/text_ids.def.
-enum NyrTextId : unsigned {
+enum NyrTextId : unsigned
+{
 #define NYR_TEXT_ID(name, number) NYR_IDS_##name = (number),
 #include "nyr/frame/text_ids.def"
 #undef NYR_TEXT_ID

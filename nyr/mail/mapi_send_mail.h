@@ -109,7 +109,8 @@ public:
         MAPI_DIALOG = 0x8,
     };
     // Result codes (those this class returns; the error texts know more).
-    enum : unsigned long {
+    enum : unsigned long
+    {
         SUCCESS_SUCCESS = 0,
         MAPI_USER_ABORT = 1,
         MAPI_E_FAILURE = 2,
