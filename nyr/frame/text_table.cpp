@@ -3,6 +3,7 @@
 #include "nyr/frame/text_table_p.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "nyr/frame/text_ids.h"
 
@@ -395,8 +396,8 @@ constexpr bool IsSorted()
 }
 static_assert(IsSorted(), "the text table must stay sorted by number, without duplicates");
 
-// Each name of text_ids.def has its text, and as many names as texts: with
-// the table free of duplicates, every text has exactly one name.
+// text_ids.def lists the names in the table's order, each with a text of the
+// table, and as many names as texts: so every text has exactly one name.
 constexpr unsigned kNamed[] = {
 #define NYR_TEXT_ID(name, number) NYR_IDS_##name,
 #include "nyr/frame/text_ids.def"
@@ -413,6 +414,11 @@ constexpr bool EveryNameHasText()
     }
     return true;
 }
+constexpr bool NamesAscend()
+{
+    return std::adjacent_find(std::begin(kNamed), std::end(kNamed), std::greater_equal<>()) == std::end(kNamed);
+}
+static_assert(NamesAscend(), "text_ids.def must list its numbers in ascending order, each once");
 static_assert(EveryNameHasText(), "a name in text_ids.def has no text in the table");
 static_assert(std::size(kNamed) == std::size(kTexts), "a text of the table has no name in text_ids.def");
 
