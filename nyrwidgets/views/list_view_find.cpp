@@ -114,21 +114,19 @@ struct Scan
     bool high = false;
 };
 
-// With `Fold`, ASCII letters compare without regard to case; other bytes
-// always compare as they are. Setting bit 5 folds exactly the two cases of
-// a letter, so one compare finds both.
-template <bool Fold>
-Scan ScanCell(const std::string& cell, const std::string& search)
+// ASCII letters compare without regard to case; other bytes compare as they
+// are. Setting bit 5 folds exactly the two cases of a letter, so one compare
+// finds both.
+Scan ScanFolded(const std::string& cell, const std::string& search)
 {
-    const auto same = [](char a, char b) { return Fold ? nyr::ascii::ToLower(a) == nyr::ascii::ToLower(b) : a == b; };
+    const auto same = [](char a, char b) { return nyr::ascii::ToLower(a) == nyr::ascii::ToLower(b); };
     Scan scan;
     if (search.empty())
         scan.pos = 0;
     // An occurrence starts below `starts`.
     const std::size_t starts = search.empty() || search.size() > cell.size() ? 0 : cell.size() - search.size() + 1;
-    const char lead = search.empty() ? '\0' : Fold ? nyr::ascii::ToLower(search[0]) : search[0];
-    const auto first = static_cast<unsigned char>(lead);
-    const unsigned char fold = Fold && first >= 'a' && first <= 'z' ? 0x20 : 0;
+    const auto first = static_cast<unsigned char>(search.empty() ? '\0' : nyr::ascii::ToLower(search[0]));
+    const unsigned char fold = first >= 'a' && first <= 'z' ? 0x20 : 0;
     unsigned high = 0;
     for (std::size_t at = 0; at < cell.size(); at += 16) {
         const Chunk chunk = ChunkAt(cell, at, first, fold);
@@ -211,17 +209,23 @@ bool ReadFlag(const std::string& section, const char* entry, int defaultValue)
 int CNyrListView::ItemStringMatches(int matchWord, int matchCase, const std::string& searchText,
                                     const std::string& cellText)
 {
-    const Scan scan = matchCase ? ScanCell<false>(cellText, searchText) : ScanCell<true>(cellText, searchText);
-    if (!matchCase && (scan.high || HasHighByte(searchText)) && IsUtf8(searchText) && IsUtf8(cellText)) {
+    const auto found = [matchWord](const std::string& text, std::size_t pos, std::size_t len) {
+        return pos != std::string::npos && (!matchWord || StandsAsWord(text, pos, len));
+    };
+    // Bytes compare as they are when case matters: the C library's search is
+    // the fastest there is for that.
+    if (matchCase)
+        return found(cellText, cellText.find(searchText), searchText.size());
+    const Scan scan = ScanFolded(cellText, searchText);
+    if ((scan.high || HasHighByte(searchText)) && IsUtf8(searchText) && IsUtf8(cellText)) {
         // Letters beyond ASCII: Unicode case folding of both texts. (Texts
         // that are not UTF-8 fold their ASCII letters only; other bytes
         // compare as they are.)
         const std::string cell = Folded(cellText);
         const std::string search = Folded(searchText);
-        const std::size_t pos = cell.find(search);
-        return pos != std::string::npos && (!matchWord || StandsAsWord(cell, pos, search.size()));
+        return found(cell, cell.find(search), search.size());
     }
-    return scan.pos != std::string::npos && (!matchWord || StandsAsWord(cellText, scan.pos, searchText.size()));
+    return found(cellText, scan.pos, searchText.size());
 }
 
 int CNyrListView::ItemColumnMatches(int screenItem, int screenCol, const CNyrListViewFind::CSearchCrit& crit)
