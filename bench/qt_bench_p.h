@@ -30,11 +30,14 @@ inline long PeakKilobytes()
 }
 
 // Runs the Google Benchmarks of this program (the flags left in argv) in a
-// QApplication on the offscreen platform; main's result.
-inline int RunQtBenchmarks(int argc, char** argv)
+// QApplication on the offscreen platform, after `setUp` (when given) has run
+// with the application in place; main's result.
+inline int RunQtBenchmarks(int argc, char** argv, void (*setUp)() = nullptr)
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     QApplication app(argc, argv);
+    if (setUp)
+        setUp();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

@@ -3,11 +3,10 @@
 // QDoubleValidator on the same prefixes.
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QDoubleValidator>
-#include <cstdlib>
 #include <memory>
 
+#include "bench/qt_bench_p.h"
 #include "nyr/util/profile_entries.h"
 #include "nyr/values/unit_settings.h"
 #include "nyrwidgets/input/input_control.h"
@@ -77,20 +76,14 @@ BENCHMARK(BM_QDoubleValidator_Keystroke)->DenseRange(0, std::size(kTexts) - 1);
 
 int main(int argc, char** argv)
 {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    QApplication app(argc, argv);
     // Units and format of the texts above; nothing is read from or written
     // to the user's settings.
-    NyrSetProfilePath("/nonexistent/nyr-bench-input.ini");
-    CNyrUnitSettingsAngle::Default().Unit(NYR_UNIT_DMS);
-    CNyrUnitSettingsAngle::Default().Precision(5);
-    CNyrUnitSettingsAngleLatLon::Default().Unit(NYR_UNIT_DMS);
-    CNyrUnitSettingsAngleLatLon::Default().Precision(5);
-    CNyrUnitSettingsDistance::Default().Unit(NYR_UNIT_METRES);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return nyr::bench::RunQtBenchmarks(argc, argv, [] {
+        NyrSetProfilePath("/nonexistent/nyr-bench-input.ini");
+        CNyrUnitSettingsAngle::Default().Unit(NYR_UNIT_DMS);
+        CNyrUnitSettingsAngle::Default().Precision(5);
+        CNyrUnitSettingsAngleLatLon::Default().Unit(NYR_UNIT_DMS);
+        CNyrUnitSettingsAngleLatLon::Default().Precision(5);
+        CNyrUnitSettingsDistance::Default().Unit(NYR_UNIT_METRES);
+    });
 }
