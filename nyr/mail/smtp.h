@@ -148,10 +148,11 @@ public:
     // Pipelining (RFC 2920), off by default (the plain HELO dialogue). When
     // on, the client greets with EHLO (with HELO after a refused EHLO when no
     // TLS or login is asked for), and when the server offers PIPELINING it
-    // sends MAIL, every RCPT and DATA in one write and reads their replies in
-    // order, then the data and its "." in one write; SendMailMessages sends
-    // the next message's commands behind the previous message's data, so the
-    // server's latency is paid about once per message. Replies are matched
+    // sends MAIL, every RCPT and DATA in one write (in groups of 1,000
+    // unanswered commands for a message with more recipients) and reads
+    // their replies in order, then the data and its "." in one write;
+    // SendMailMessages sends the next message's commands behind the previous
+    // message's data, so the server's latency is paid about once per message. Replies are matched
     // to commands in order; a refused recipient keeps the leniency above; a
     // refused MAIL or a failed DATA ends the transaction with RSET (only
     // here). Changes, like Server(), only while not connected (1), else 0.

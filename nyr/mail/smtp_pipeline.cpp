@@ -1,5 +1,6 @@
 // CNyrSmtp: several messages, and the commands of each transaction sent
 // together when the server offers PIPELINING (RFC 2920).
+#include <algorithm>
 #include <cerrno>
 #include <deque>
 
@@ -15,6 +16,12 @@ namespace {
 // What the server answers to pipelined commands before the client reads
 // them (a reply is some 30 bytes: thousands of recipients fit).
 constexpr std::size_t kMaxPendingReplies = 1024 * 1024;
+// Commands sent and not yet answered, at most. A message with more
+// recipients goes out in groups, more commands following as their replies
+// are read: the replies owed (at about 1 KiB each) fit in
+// kMaxPendingReplies, so neither side stalls on the other however many
+// recipients there are.
+constexpr std::size_t kMaxInFlight = 1000;
 
 // A reply the client waits for, in the order the commands went out.
 struct Expected
@@ -62,10 +69,11 @@ bool CNyrSmtp::ReadCode(unsigned timeoutMs, unsigned& code)
 }
 
 // A run of pipelined transactions. The commands of each message go out in
-// one write; its replies are read in order up to DATA's. Then the message
-// data goes out in one write together with the next message's commands (or
-// the RSET that ends a refused transaction), and so on: one wait for the
-// server per message.
+// one write (a message of more than kMaxInFlight recipients in several);
+// its replies are read in order up to DATA's. Then the message data goes
+// out in one write together with the next message's commands (or the RSET
+// that ends a refused transaction), and so on: one wait for the server per
+// message.
 class CNyrSmtp::CPipelinedRun
 {
 public:
@@ -78,20 +86,22 @@ public:
     unsigned Run()
     {
         QueueNextMessage();
-        while (!m_commands.empty() || m_withData) {
-            if (!Write())
-                return m_accepted;
-            // Replies in order, up to the one that decides what goes out next.
-            while (!m_expected.empty() && m_commands.empty() && !m_withData) {
-                const Expected e = m_expected.front();
-                m_expected.pop_front();
-                unsigned code = 0;
-                if (!m_smtp.ReadCode(Timeout(e.kind), code))
+        for (;;) {
+            if (m_withData || (!m_commands.empty() && InFlight() < kMaxInFlight)) {
+                if (!Write())
                     return m_accepted;
-                Take(e, code);
+                continue;
             }
+            // Replies in order, up to the one that decides what goes out next.
+            if (InFlight() == 0)
+                return m_accepted;
+            const Expected e = m_expected.front();
+            m_expected.pop_front();
+            unsigned code = 0;
+            if (!m_smtp.ReadCode(Timeout(e.kind), code))
+                return m_accepted;
+            Take(e, code);
         }
-        return m_accepted;
     }
 
 private:
@@ -118,12 +128,23 @@ private:
         m_expected.push_back({kind, m_next});
     }
 
+    // The replies owed for what has gone out: all those expected but the
+    // ones of the commands and the data still to be sent.
+    std::size_t InFlight() const { return m_expected.size() - m_commands.size() - (m_withData ? 1 : 0); }
+
+    // The message data when due, then as many queued commands as the limit
+    // of unanswered ones allows, in one write.
     bool Write()
     {
+        const std::size_t inFlight = InFlight();
+        const std::size_t count = std::min(m_commands.size(), inFlight < kMaxInFlight ? kMaxInFlight - inFlight : 0);
+        std::string group;
+        for (std::size_t i = 0; i < count; ++i)
+            group += m_commands[i];
         std::vector<std::string_view> pieces;
         if (m_withData)
             pieces = {m_header, "\r\n", m_body, "\r\n.\r\n"};
-        pieces.insert(pieces.end(), m_commands.begin(), m_commands.end());
+        pieces.push_back(group);
         const TIMEOUTS& t = m_smtp.m_timeouts;
         if (!m_smtp.m_socket->Send(pieces, m_withData ? t.dataBlock : t.command, &m_smtp.m_pending,
                                    kMaxPendingReplies)) {
@@ -131,7 +152,7 @@ private:
             return false;
         }
         m_withData = false;
-        m_commands.clear();
+        m_commands.erase(m_commands.begin(), m_commands.begin() + static_cast<std::ptrdiff_t>(count));
         return true;
     }
 
@@ -188,7 +209,7 @@ private:
     unsigned m_accepted = 0;
     std::size_t m_next = 0;             // the next message to start
     std::deque<Expected> m_expected;    // replies due, in the order of the commands
-    std::vector<std::string> m_commands;  // to go out with the next write
+    std::deque<std::string> m_commands;  // to go out, in order; they follow the data
     std::string m_header, m_body;       // the data of the message that got 354
     bool m_withData = false;            // they go out with the next write
     bool m_mailAccepted = false;        // the last MAIL read was accepted

@@ -284,6 +284,52 @@ TEST(SmtpPipelining, FaultsInAGroupEndWithTheirResultAndNothingHangs)
     }
 }
 
+// A message of 200,000 recipients to a server that answers each read's
+// commands at once, in long replies, through a small send buffer: the
+// commands are far more than the socket buffers hold, and so are the replies. A client
+// that wrote the whole group while taking replies in only up to its bound
+// stalled the server, and the server it, until the time-out.
+TEST(SmtpPipelining, AGroupBeyondTheSocketBuffersStallsNeitherSide)
+{
+    constexpr std::size_t kRecipients = 200000;
+    const std::string longReply = "250 2.1.5 Recipient ok" + std::string(300, '.') + "\r\n";  // RFC 5321: up to 512
+    std::size_t recipients = 0;
+    std::string received;
+    ScriptedSmtpServer server([&](Connection& c) {
+        c.SmallSendBuffer(4096);
+        if (!c.Send("220 scripted\r\n") || c.ReadLine().rfind("EHLO ", 0) != 0 ||
+            !c.Send("250-scripted\r\n250 PIPELINING\r\n"))
+            return;
+        bool data = false;
+        for (std::vector<std::string> lines; !data && c.ReadLines(lines);) {
+            std::string replies;
+            for (const auto& line : lines) {
+                const bool recipient = line.rfind("RCPT TO: ", 0) == 0;
+                recipients += recipient;
+                data = line == "DATA\r\n";
+                replies += data ? "354 go\r\n" : recipient ? longReply : "250 ok\r\n";
+            }
+            if (!c.Send(replies))
+                return;
+        }
+        received = c.ReadUntil("\r\n.\r\n");
+        c.Send("250 queued\r\n");
+        if (c.ReadLine() == "QUIT\r\n")
+            c.Send("221 bye\r\n");
+    });
+    FixedMessage m = Message("body\r\n", kRecipients);
+    CNyrSmtp smtp("127.0.0.1", server.Port());
+    smtp.Pipelining(1);
+    smtp.Timeouts(Short());
+    ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.SendMailMessage(&m), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.GetLastError(), "OK");
+    EXPECT_EQ(smtp.Disconnect(), 1);
+    server.Join();
+    EXPECT_EQ(recipients, kRecipients);
+    EXPECT_EQ(received, "Subject: pipelined\r\n\r\nbody\r\n\r\n.\r\n");
+}
+
 // Without the server's offer the transaction is the synchronous one (a
 // reply before each next command), and a server that does not know EHLO
 // gets HELO. By default the plain HELO dialogue stays as it always was.

@@ -270,6 +270,29 @@ public:
                     return false;
             }
         }
+        // The lines that have arrived whole (each with its CR LF), reading
+        // more only when there is none; false when the client closes or 10 s
+        // pass without a line. The buffer is cut once per read, so a stream
+        // of millions of lines costs no more than reading it.
+        bool ReadLines(std::vector<std::string>& lines)
+        {
+            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+            lines.clear();
+            for (;;) {
+                std::size_t at = 0;
+                for (std::size_t end; (end = m_buffer.find("\r\n", at)) != std::string::npos; at = end + 2)
+                    lines.push_back(m_buffer.substr(at, end + 2 - at));
+                m_buffer.erase(0, at);
+                if (!lines.empty())
+                    return true;
+                if (!Fill(deadline))
+                    return false;
+            }
+        }
+        // Shrinks the server's send buffer to about `bytes` (and stops the
+        // kernel from growing it): a client that does not take the replies
+        // in soon stalls the server's writes, and with them its reading.
+        void SmallSendBuffer(int bytes) { setsockopt(m_fd, SOL_SOCKET, SO_SNDBUF, &bytes, sizeof bytes); }
         // True when the client closes within 10 s.
         bool WaitClosed()
         {
