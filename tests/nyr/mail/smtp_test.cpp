@@ -188,6 +188,39 @@ TEST_F(SmtpTls, LoginFallsBackToAuthLoginAndImplicitTlsSpeaksTlsFromTheStart)
     }
 }
 
+// Pipelined over TLS, where the client takes in replies while it still
+// writes through the same TLS session: a group larger than the socket
+// buffers and a large body among small messages.
+TEST_F(SmtpTls, PipelinedMessagesArriveWholeOverTls)
+{
+    SmtpTestServer server({"--cert", m_cert, "--key", m_key, "--implicit-tls", "--pipelining"});
+    ASSERT_NE(server.Port(), 0u);
+    std::vector<CNyrMailMessage> messages(10, Message());
+    std::string body;
+    while (body.size() < (4u << 20))
+        body += ".line " + std::to_string(body.size()) + "\r\n";
+    messages[4].Body(body.c_str());
+    for (int i = 0; i < 5000; ++i)
+        messages[7].AddRecipient(("r" + std::to_string(i) + "@example.org").c_str(), CNyrMailMessage::BCC);
+    std::vector<CNyrMailMessage*> pointers;
+    for (auto& m : messages)
+        pointers.push_back(&m);
+
+    CNyrSmtp smtp("127.0.0.1", server.Port());
+    smtp.Security(CNyrSmtp::SECURITY_TLS);
+    smtp.TrustedCertificates(m_cert);
+    smtp.Pipelining(1);
+    ASSERT_EQ(smtp.Connect(), 1) << smtp.GetLastError();
+    EXPECT_EQ(smtp.SendMailMessages(pointers), messages.size()) << smtp.GetLastError();
+    EXPECT_EQ(smtp.Disconnect(), 1);
+
+    const auto mails = server.Messages(messages.size());
+    ASSERT_EQ(mails.size(), messages.size());
+    EXPECT_EQ(mails[4].data.substr(mails[4].data.find("\r\n\r\n") + 4), body + "\r\n");
+    EXPECT_NE(mails[7].envelope.find("\"r4999@example.org\"]"), std::string::npos);
+    EXPECT_NE(mails[9].data.find("\r\n\r\nover TLS\r\n"), std::string::npos);
+}
+
 TEST_F(SmtpTls, ATrustedCertificateForAnotherNameIsRefused)
 {
     const std::string cert = m_dir.File("other.pem"), key = m_dir.File("other.key");
