@@ -65,7 +65,8 @@ bool ReadTextFile(const std::string& path, std::size_t limit, std::string& conte
 }
 
 // An attachment must be a readable regular file within the limit: the
-// library would send anything else as an empty attachment.
+// library would send anything else as an empty attachment, and the mail
+// client would get a reason without the path.
 bool CheckAttachment(const std::string& path, std::ostream& err, const char* form)
 {
     std::string error;
@@ -246,6 +247,9 @@ int RunHandOff(std::vector<std::string>& args, std::ostream&, std::ostream& err)
     std::string body;
     if (const int status = BodyText(o, false, body, err, "handoff"); status != kSuccess)
         return status;
+    for (const auto& path : o.attach)
+        if (!CheckAttachment(path, err, "handoff"))
+            return kFailure;
 
     std::vector<NyrMailHelper::MAIL_ADDRESS> lists[3];
     const std::vector<std::string>* given[3] = {&o.to, &o.cc, &o.bcc};

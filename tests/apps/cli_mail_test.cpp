@@ -80,6 +80,14 @@ TEST(CliMail, OnlyRegularFilesWithinTheirLimitsAreRead)
         EXPECT_EQ(r.exitCode, 1) << c.err;
         EXPECT_EQ(r.err, "nyr mail compose: " + c.err + "\n");
         EXPECT_EQ(r.out, "");
+
+        // The hand-off says which file, before the mail client is started
+        // (/bin/true would take anything).
+        std::vector<std::string> handOff = {"mail", "handoff", "--to", "b@x", "--command", "/bin/true"};
+        handOff.insert(handOff.end(), c.args.begin(), c.args.end());
+        const auto h = Nyr(handOff);
+        EXPECT_EQ(h.exitCode, 1) << c.err;
+        EXPECT_EQ(h.err, "nyr mail handoff: " + c.err + "\n");
     }
     for (const std::string& password : {std::string("/dev/zero"), dir.File("password")}) {
         std::vector<std::string> args = {"mail", "send", "--server", "127.0.0.1", "--tls", "--user", "u",
