@@ -6,6 +6,7 @@
 #include "nyr/frame/notifications.h"
 #include "nyr/frame/resource_module.h"
 #include "nyr/frame/text_ids.h"
+#include "nyr/platform/ascii_p.h"
 #include "nyrwidgets/input/input_range_p.h"
 #include "nyrwidgets/input/time_text_p.h"
 
@@ -19,8 +20,7 @@ std::bitset<128> Characters(std::string_view characters)
     std::bitset<128> set;
     for (char c : characters) {
         set.set(static_cast<unsigned char>(c));
-        if (c >= 'a' && c <= 'z')
-            set.set(static_cast<unsigned char>(c - 'a' + 'A'));
+        set.set(static_cast<unsigned char>(nyr::ascii::ToUpper(c)));
     }
     return set;
 }
