@@ -72,26 +72,34 @@ Fields Reference(double radians, int base, int decimals)
     return f;
 }
 
-std::string FieldText(const Fields& f, bool negative, int precision)
+// The fixed layout: a sign field and three-place whole units, or for a
+// latitude (longitude) two (three) places and the hemisphere letter after.
+std::string FieldText(const Fields& f, bool negative, int precision, eNyrGeoKind kind = NYR_GEO_NONE)
 {
     char head[64];
     const bool zero = !f.whole && !f.minutes && f.seconds.find_first_of("123456789") == std::string::npos;
-    std::snprintf(head, sizeof head, "%s%3llu %02llu ", negative && !zero ? "-" : " ", f.whole, f.minutes);
+    const char* sign = kind != NYR_GEO_NONE ? "" : negative && !zero ? "-" : " ";
+    std::snprintf(head, sizeof head, "%s%*llu %02llu ", sign, kind == NYR_GEO_LATITUDE ? 2 : 3, f.whole, f.minutes);
     std::string seconds = f.seconds;
     if (precision == 0)  // five decimals shown whatever the precision
         seconds += ".00000";
     else if (precision < 5)
         seconds += std::string(static_cast<std::size_t>(5 - precision), '0');
+    if (kind == NYR_GEO_LATITUDE)
+        seconds += negative && !zero ? " S" : " N";
+    else if (kind == NYR_GEO_LONGITUDE)
+        seconds += negative && !zero ? " W" : " E";
     return head + seconds;
 }
 
 // Angles whose seconds (cc) lie in [0.45, 0.5) of the last unit at
 // `precision`, with magnitudes the double still resolves to that unit (its
 // relative resolution is about 1e-16, and the window is 0.05 units wide).
-double WindowAngle(std::mt19937_64& random, int base, int precision)
+// `wholeUnits` is the largest magnitude in whole units (degrees or gon).
+double WindowAngle(std::mt19937_64& random, int base, int precision, double wholeUnits)
 {
     const double unit = std::pow(10.0, -precision);
-    const double maxSeconds = std::fmin(400.0 * base * base, 2e13 * unit);
+    const double maxSeconds = std::fmin(wholeUnits * base * base, 2e13 * unit);
     std::uniform_real_distribution<double> part(0, 1);
     const double seconds = (std::floor(part(random) * maxSeconds / unit) + 0.45 + 0.05 * part(random)) * unit;
     const double sign = part(random) < 0.5 ? -1 : 1;
@@ -100,27 +108,32 @@ double WindowAngle(std::mt19937_64& random, int base, int precision)
 
 // Regression: the seconds were rounded twice (at precision + 1, then at the
 // precision), so 12° 30' 59.4999" showed 12 31 00 at precision 0; precision
-// above 8 was cut to 8 decimals.
+// above 8 was cut to 8 decimals. Angles, latitudes and longitudes alike.
 TEST(FormatExact, FieldSecondsRoundOnceAtEveryPrecisionInBothUnits)
 {
     std::mt19937_64 random(2402);
-    for (int base : {60, 100})
-        for (int precision = 0; precision <= 15; ++precision) {
-            CNyrFormat format(base == 60 ? NYR_UNIT_DMS : NYR_UNIT_GON);
-            format.UseDmsSymbols(0);
-            format.Precision(precision);
-            int inWindow = 0;
-            for (int i = 0; i < 400; ++i) {
-                const double radians = WindowAngle(random, base, precision);
-                const Fields expected = Reference(radians, base, precision);
-                inWindow += expected.inWindow;
-                std::string text;
-                ASSERT_EQ(format.ConvertToString(radians, format.Unit(), text), 1);
-                ASSERT_EQ(text, FieldText(expected, radians < 0, precision))
-                    << "base " << base << " precision " << precision << " radians " << radians;
+    for (const eNyrGeoKind kind : {NYR_GEO_NONE, NYR_GEO_LATITUDE, NYR_GEO_LONGITUDE})
+        for (int base : {60, 100})
+            for (int precision = 0; precision <= 15; ++precision) {
+                CNyrFormat format(base == 60 ? NYR_UNIT_DMS : NYR_UNIT_GON);
+                format.UseDmsSymbols(0);
+                format.Precision(precision);
+                const double quarter = base == 60 ? 90 : 100;
+                const double wholeUnits = kind == NYR_GEO_LATITUDE    ? quarter
+                                          : kind == NYR_GEO_LONGITUDE ? 2 * quarter
+                                                                      : 400;
+                int inWindow = 0;
+                for (int i = 0; i < 400; ++i) {
+                    const double radians = WindowAngle(random, base, precision, wholeUnits);
+                    const Fields expected = Reference(radians, base, precision);
+                    inWindow += expected.inWindow;
+                    std::string text;
+                    ASSERT_EQ(format.ConvertToString(radians, format.Unit(), text, kind, 0), 1);
+                    ASSERT_EQ(text, FieldText(expected, radians < 0, precision, kind))
+                        << "kind " << kind << " base " << base << " precision " << precision << " radians " << radians;
+                }
+                EXPECT_GT(inWindow, 300) << "base " << base << " precision " << precision;
             }
-            EXPECT_GT(inWindow, 300) << "base " << base << " precision " << precision;
-        }
 }
 
 // Regression: beyond about 563° the packed form had too few decimals and the
