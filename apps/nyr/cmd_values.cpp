@@ -43,7 +43,6 @@ const char* StatusText(int status)
     case NYR_VALUE_WRONG_UNIT: return "not a unit of this kind";
     case NYR_VALUE_UNREADABLE: return "cannot be read";
     case NYR_VALUE_OUT_OF_RANGE: return "out of range";
-    case NYR_VALUE_NEGATIVE_ZERO: return "negative zero";
     case NYR_VALUE_TOO_LONG: return "text too long";
     default: return "refused";
     }

@@ -187,8 +187,7 @@ int CNyrValue::Assign(double standardValue)
 {
     if (const int status = Check(standardValue))
         return Fail(status);
-    // A computed -0.0 (-x with x = 0, an underflow) is zero; only a typed "-0"
-    // is refused, when the text is read.
+    // A computed -0.0 (-x with x = 0, an underflow) is zero, as a typed "-0" is.
     m_value = standardValue + 0.0;
     return NYR_VALUE_OK;
 }

@@ -124,7 +124,7 @@ protected:
     // Stores a number in the standard unit after the checks of the kind;
     // returns the status. Derived kinds add their rules and call this.
     virtual int Assign(double standardValue);
-    // The common checks (finite, magnitude, negative zero); the status, 0 when passed.
+    // The common checks (finite, magnitude); the status, 0 when passed.
     int Check(double standardValue) const;
     virtual double MaxMagnitude() const = 0;
     virtual eNyrGeoKind GeoKind() const { return NYR_GEO_NONE; }
