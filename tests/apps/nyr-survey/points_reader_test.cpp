@@ -12,6 +12,7 @@
 #include "apps/nyr-survey/io/points_file.h"
 #include "apps/nyr-survey/io/time_text.h"
 #include "apps/nyr-survey/project/sample_project.h"
+#include "nyr/app/progress.h"
 #include "nyr/time/time_helper.h"
 #include "nyr/util/profile_entries.h"
 #include "tests/support/temp_dir.h"
@@ -215,6 +216,32 @@ TEST_F(PointsReader, FilesBeyondTheLimitAndNonFilesAreRefusedBeforeReading)
         EXPECT_NE(error.find(expected), std::string::npos) << error;
         EXPECT_EQ(open.points.size(), 1u);
     }
+}
+
+// Long work cancelled stops within one report of its progress, not after
+// it has made or read everything: generating and reading a million points.
+TEST_F(PointsReader, CancelledLongWorkStopsWithinOneProgressStep)
+{
+    CNyrProgress cancelled;
+    cancelled.Cancel();
+    const ProjectData made = MakeTestData(1000000, 3, &cancelled);
+    EXPECT_LE(made.points.size(), 4096u);
+
+    ProjectData data = MakeTestData(200000, 3);
+    std::vector<const CSurveyPoint*> points;
+    for (const auto& p : data.points)
+        points.push_back(p.get());
+    nyr::test::TempDir dir;
+    std::string written;
+    ASSERT_TRUE(WritePointsFile(dir.File("big.csv"), points, written)) << written;
+    CNyrProgress reading;
+    reading.Cancel();
+    ProjectData open = OpenProject();
+    ReadError error;
+    EXPECT_FALSE(ReadPointsFile(dir.File("big.csv"), open, error, &reading));
+    EXPECT_EQ(error.id, 0u);  // cancelled, not failed
+    EXPECT_LE(reading.Read().position, reading.Read().total / 20);
+    EXPECT_EQ(open.points.size(), 1u);
 }
 
 // Random damage to a good file: each read either fails with a message or
