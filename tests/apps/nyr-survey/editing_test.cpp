@@ -16,8 +16,8 @@
 #include "apps/nyr-survey/app/texts.h"
 #include "apps/nyr-survey/io/points_columns.h"
 #include "apps/nyr-survey/io/points_file.h"
-#include "apps/nyr-survey/project/sample_project.h"
 #include "apps/nyr-survey/project/geodesy.h"
+#include "apps/nyr-survey/project/sample_project.h"
 #include "apps/nyr-survey/window/main_window.h"
 #include "apps/nyr-survey/window/point_dialog.h"
 #include "apps/nyr-survey/window/point_view.h"
@@ -327,7 +327,11 @@ TEST_F(Editing, AChangedProjectIsReplacedOrClosedOnlyAsTheUserAnswers)
     nyr::test::WriteFile(other.toStdString(), "Point,Latitude,Longitude\nO,49.5,8.5\n");
     const std::pair<const char*, std::function<bool(CMainWindow&)>> actions[] = {
         {"open", [&other](CMainWindow& w) { return w.OpenFile(other); }},
-        {"sample", [](CMainWindow& w) { w.OpenSample(); return w.View()->GetItemCount() == 300; }},
+        {"sample",
+         [](CMainWindow& w) {
+             w.OpenSample();
+             return w.View()->GetItemCount() == 300;
+         }},
         {"generate", [](CMainWindow& w) { return w.GenerateTestData(10); }},
         {"close", [](CMainWindow& w) { return w.close(); }},
     };

@@ -105,7 +105,8 @@ TEST_F(LogFixture, DefaultPathIsTheApplicationsOwnUnderTheStateFolder)
         CNyrLogFile log(CNyrLogFile::DefaultPath("app"));
         EXPECT_EQ(log.Info("first"), 1);
     }
-    struct stat folder{}, file{};
+    struct stat folder = {};
+    struct stat file = {};
     ASSERT_EQ(stat(dir.File("state/app").c_str(), &folder), 0);
     ASSERT_EQ(stat(path.c_str(), &file), 0);
     EXPECT_EQ(folder.st_mode & 0777, 0700u);
