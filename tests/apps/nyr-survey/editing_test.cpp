@@ -246,12 +246,8 @@ TEST_F(Editing, CancelledLongWorkLeavesTheProjectAsItWas)
 {
     const std::string big = s_dir->File("big.csv");
     {
-        ProjectData data = MakeTestData(20000);
-        std::vector<const CSurveyPoint*> points;
-        for (const auto& p : data.points)
-            points.push_back(p.get());
         std::string error;
-        ASSERT_TRUE(WritePointsFile(big, points, error)) << error;
+        ASSERT_TRUE(WritePointsFile(big, MakeTestData(20000).Pointers(), error)) << error;
     }
     CNyrProgressDialog::MinimumDurationDefault(0);
     nyr::test::DialogAnswer cancel([](QDialog& dialog) {

@@ -148,9 +148,7 @@ TEST_F(PointsReader, EveryWrittenFormReadsBack)
 TEST_F(PointsReader, TheSavedFormIsLossless)
 {
     ProjectData sample = MakeSampleProject();
-    std::vector<const CSurveyPoint*> points;
-    for (const auto& p : sample.points)
-        points.push_back(p.get());
+    const std::vector<const CSurveyPoint*> points = sample.Pointers();
     nyr::test::TempDir dir;
     std::string error;
     ASSERT_TRUE(WritePointsFile(dir.File("a.csv"), points, error)) << error;
@@ -169,18 +167,14 @@ TEST_F(PointsReader, TheSavedFormIsLossless)
         EXPECT_EQ(a.observed.GetMilliSeconds(), b.observed.GetMilliSeconds());
     }
     // A second save of what was read is the same file, byte for byte.
-    std::vector<const CSurveyPoint*> again;
-    for (const auto& p : read.points)
-        again.push_back(p.get());
+    const std::vector<const CSurveyPoint*> again = read.Pointers();
     EXPECT_EQ(PointsText(again), nyr::test::ReadFile(dir.File("a.csv")));
 }
 
 TEST_F(PointsReader, AHundredMegabyteFileLoadsWholeOrNotAtAll)
 {
     ProjectData data = MakeTestData(910000, 7);
-    std::vector<const CSurveyPoint*> points;
-    for (const auto& p : data.points)
-        points.push_back(p.get());
+    const std::vector<const CSurveyPoint*> points = data.Pointers();
     std::string text = PointsText(points);
     data = {};
     ASSERT_GT(text.size(), 100u << 20);
@@ -228,9 +222,7 @@ TEST_F(PointsReader, CancelledLongWorkStopsWithinOneProgressStep)
     EXPECT_LE(made.points.size(), 4096u);
 
     ProjectData data = MakeTestData(200000, 3);
-    std::vector<const CSurveyPoint*> points;
-    for (const auto& p : data.points)
-        points.push_back(p.get());
+    const std::vector<const CSurveyPoint*> points = data.Pointers();
     nyr::test::TempDir dir;
     std::string written;
     ASSERT_TRUE(WritePointsFile(dir.File("big.csv"), points, written)) << written;
