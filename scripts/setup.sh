@@ -7,10 +7,11 @@ set -euo pipefail
 NYR_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 nyr_packages() {
-  # locales: the tests generate tr_TR.UTF-8 from its data.
+  # locales: the tests generate tr_TR.UTF-8 from its data. fonts-dejavu-core:
+  # the offscreen tour and the tests draw text in a font known to be there.
   local common="build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libssl-dev tzdata locales"
   case "$1" in
-    main)  echo "$common libgeographiclib-dev" ;;
+    main)  echo "$common libgeographiclib-dev fonts-dejavu-core" ;;
     test)  echo "$common libgtest-dev libgmock-dev libssl-dev libgeographiclib-dev python3 python3-aiosmtpd xdg-utils postfix poppler-utils fonts-dejavu-core" ;;
     bench) echo "$common libgtest-dev libssl-dev libbenchmark-dev libgeographiclib-dev python3 python3-aiosmtpd python3-pandas clang postfix" ;;
     fuzz)  echo "$common clang libclang-rt-14-dev" ;;

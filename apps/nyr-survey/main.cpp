@@ -29,13 +29,9 @@ int Generate(const QString& countText, const QString& path)
         std::fprintf(stderr, "nyr-survey: --generate takes a count from 1 to 10000000\n");
         return 2;
     }
-    survey::ProjectData data = survey::MakeTestData(count);
-    std::vector<const survey::CSurveyPoint*> points;
-    points.reserve(data.points.size());
-    for (const auto& p : data.points)
-        points.push_back(p.get());
+    const survey::ProjectData data = survey::MakeTestData(count);
     std::string error;
-    if (!survey::WritePointsFile(path.toStdString(), points, error)) {
+    if (!survey::WritePointsFile(path.toStdString(), data.Pointers(), error)) {
         std::fprintf(stderr, "nyr-survey: %s\n", error.c_str());
         return 1;
     }

@@ -1,7 +1,8 @@
 // Timings of nyr-survey on the offscreen platform, one measurement per run,
 // printed as JSON for suite.py:
 //   bench_survey open FILE      opens a points file through the window (as
-//                               File > Open does) and draws the first screen:
+//                               File > Open does) and draws the first screen
+//                               (the list and the plan):
 //                               {"ms", "points", "peak_bytes"} where peak_bytes
 //                               is the growth of the peak resident size
 //   bench_survey units COUNT    COUNT generated points on screen; the median
@@ -49,9 +50,11 @@ void ResetPeak()
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
+// Everything a new project or a unit change redraws: the list (header and
+// rows on screen) and the plan beside it.
 void Draw(survey::CMainWindow& window)
 {
-    window.View()->viewport()->repaint();
+    window.centralWidget()->repaint();
 }
 
 int Open(const char* path)

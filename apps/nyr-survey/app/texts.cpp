@@ -104,6 +104,7 @@ constexpr EnglishEntry kEnglish[] = {
     {TxtLanguageFailed, "The language module cannot be loaded:\n%1"},
     {TxtNothingSelected, "No point is selected or checked."},
     {TxtGenerating, "Generating %1 points..."},
+    {TxtAskSaveChanges, "The points of %1 were changed. Save them first?"},
     {TxtErrEmpty, "The file is empty."},
     {TxtErrMissingColumn, "Line %1: the column \"%2\" is missing."},
     {TxtErrFieldCount, "Line %1: %2 fields where the header has %3."},

@@ -31,7 +31,7 @@ enum eText : unsigned int {
     TxtReading, TxtOpenCancelled, TxtGenerateCancelled,
     // Questions and errors
     TxtAskDelete = 1200, TxtAskOverwrite, TxtAnswersQuestion, TxtAnswersAnswer, TxtAnswersText, TxtOpenFailed,
-    TxtSaveFailed, TxtCsvFilter, TxtLanguageFailed, TxtNothingSelected, TxtGenerating,
+    TxtSaveFailed, TxtCsvFilter, TxtLanguageFailed, TxtNothingSelected, TxtGenerating, TxtAskSaveChanges,
     // Reading points files
     TxtErrEmpty = 1300, TxtErrMissingColumn, TxtErrFieldCount, TxtErrNotNumber, TxtErrNotAngle, TxtErrNotTime,
     TxtErrUtf8, TxtErrTooLarge, TxtErrDuplicateColumn, TxtErrNoName, TxtErrNoPosition, TxtErrRange,

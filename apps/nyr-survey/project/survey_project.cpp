@@ -4,6 +4,15 @@
 
 namespace survey {
 
+std::vector<const CSurveyPoint*> ProjectData::Pointers() const
+{
+    std::vector<const CSurveyPoint*> pointers;
+    pointers.reserve(points.size());
+    for (const auto& p : points)
+        pointers.push_back(p.get());
+    return pointers;
+}
+
 CSurveyProject::CSurveyProject() = default;
 CSurveyProject::~CSurveyProject() = default;
 

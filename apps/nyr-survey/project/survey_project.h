@@ -62,6 +62,9 @@ struct ProjectData
 {
     std::unique_ptr<CSurveyProject> project = std::make_unique<CSurveyProject>();
     std::vector<std::unique_ptr<CSurveyPoint>> points;
+
+    // The points in order, for writing (WritePointsFile, PointsText).
+    std::vector<const CSurveyPoint*> Pointers() const;
 };
 
 }  // namespace survey

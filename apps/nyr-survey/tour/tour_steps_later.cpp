@@ -2,11 +2,13 @@
 // long work with its progress.
 #include <QApplication>
 #include <QComboBox>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPrintPreviewWidget>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -137,7 +139,13 @@ void CTourRunner::StepLongWork()
     CPointView& view = *m_window->View();
     const int before = view.GetItemCount();
     WhenModal("CNyrProgressDialog", [this](QDialog& dialog) {
-        QTest::qWait(300);
+        // Cancelled as soon as the bar has moved (the worker's first report,
+        // a tenth of a second in), long before a million points are made: a
+        // fixed wait lets a fast machine finish first.
+        auto& bar = static_cast<QProgressDialog&>(dialog);
+        const QDeadlineTimer bound(10000);
+        while (bar.value() <= 0 && dialog.isVisible() && !bound.hasExpired())
+            QTest::qWait(5);
         Shot("progress", &dialog);
         if (auto* cancel = dialog.findChild<QPushButton*>())
             QTest::mouseClick(cancel, Qt::LeftButton);

@@ -1,6 +1,7 @@
 #include "apps/nyr-survey/window/main_window.h"
 
 #include <GeographicLib/Config.h>
+#include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QLabel>
@@ -147,6 +148,14 @@ void CMainWindow::dropEvent(QDropEvent* e)
     // run inside the drag-and-drop loop of the source.
     const QString path = urls.front().toLocalFile();
     QTimer::singleShot(0, this, [this, path] { OpenFile(path); });
+}
+
+void CMainWindow::closeEvent(QCloseEvent* e)
+{
+    if (MayReplaceProject())
+        e->accept();
+    else
+        e->ignore();
 }
 
 void CMainWindow::ShowAbout()

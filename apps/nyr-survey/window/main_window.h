@@ -52,7 +52,8 @@ public:
     ~CMainWindow() override;
 
     // Reads a points file and shows it; on failure (or Cancel) the open
-    // project stays and the reason is shown. True when opened.
+    // project stays and the reason is shown. True when opened. Like
+    // OpenSample and GenerateTestData, it asks first (MayReplaceProject).
     bool OpenFile(const QString& path);
     // Opens the files a later start of the program was given, relative to
     // the folder it was started in.
@@ -64,6 +65,11 @@ public:
     // Replaces the project with `count` generated points; false when
     // cancelled (the project stays).
     bool GenerateTestData(std::size_t count);
+    // Before the project is replaced or the window closes: when points were
+    // changed, asks whether to save them first (Yes saves, through Save As
+    // when the project has no file yet; No drops the changes). False when
+    // the user cancels or the save fails: the project must stay.
+    bool MayReplaceProject();
     // Switches and stores the language; false when the modules are missing.
     bool ChangeLanguage(int language);
 
@@ -80,6 +86,7 @@ public:
 protected:
     void dragEnterEvent(QDragEnterEvent* e) override;
     void dropEvent(QDropEvent* e) override;
+    void closeEvent(QCloseEvent* e) override;
     bool event(QEvent* e) override;
 
 private:
@@ -88,7 +95,7 @@ private:
     void Retranslate();
     void Run(eAction action);
     void Open();
-    void SaveAs();
+    bool SaveAs();
     void ShowAbout();
     void UpdateTitle();
     void LoadProject(ProjectData loaded);

@@ -167,7 +167,7 @@ void CMainWindow::Run(eAction action)
 {
     switch (action) {
     case ActOpen: Open(); break;
-    case ActSave: m_path.isEmpty() ? SaveAs() : (void)SaveFile(m_path); break;
+    case ActSave: (void)(m_path.isEmpty() ? SaveAs() : SaveFile(m_path)); break;
     case ActSaveAs: SaveAs(); break;
     case ActSend: SendPoints(this, m_view->ChosenPoints()); break;
     case ActSample: OpenSample(); break;

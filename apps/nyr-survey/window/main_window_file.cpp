@@ -14,6 +14,7 @@
 #include "apps/nyr-survey/window/point_view.h"
 #include "nyr/app/log_file.h"
 #include "nyr/app/recent_documents.h"
+#include "nyr/frame/ui_hooks.h"
 #include "nyr/util/profile_entries.h"
 #include "nyrwidgets/app/browse.h"
 #include "nyrwidgets/app/progress_dialog.h"
@@ -33,8 +34,23 @@ std::string Utf8(const QString& text)
 
 }  // namespace
 
+bool CMainWindow::MayReplaceProject()
+{
+    if (!m_view->IsModified())
+        return true;
+    const QString name = m_path.isEmpty() ? QText(m_titleId) : QFileInfo(m_path).fileName();
+    switch (NyrMessageBox(Utf8(QText(TxtAskSaveChanges).arg(name)), Text(TxtAppName),
+                          NYR_MB_YESNOCANCEL | NYR_MB_ICONQUESTION)) {
+    case NYR_IDNO: return true;
+    case NYR_IDYES: return m_path.isEmpty() ? SaveAs() : SaveFile(m_path);
+    default: return false;
+    }
+}
+
 bool CMainWindow::OpenFile(const QString& path)
 {
+    if (!MayReplaceProject())
+        return false;
     const QString absolute = QFileInfo(path).absoluteFilePath();
     const std::string file = Utf8(absolute);
     PrepareReading();
@@ -114,6 +130,8 @@ void CMainWindow::LoadProject(ProjectData loaded)
 
 void CMainWindow::OpenSample()
 {
+    if (!MayReplaceProject())
+        return;
     LoadProject(MakeSampleProject());
     m_path.clear();
     m_titleId = TxtSampleProject;
@@ -122,6 +140,8 @@ void CMainWindow::OpenSample()
 
 bool CMainWindow::GenerateTestData(std::size_t count)
 {
+    if (!MayReplaceProject())
+        return false;
     statusBar()->showMessage(QText(TxtGenerating).arg(count));
     auto made = std::make_shared<ProjectData>();
     const int status = CNyrProgressDialog::Run(
@@ -173,11 +193,10 @@ void CMainWindow::Open()
         OpenFile(path);
 }
 
-void CMainWindow::SaveAs()
+bool CMainWindow::SaveAs()
 {
     const QString path = AskFileName(true);
-    if (!path.isEmpty())
-        SaveFile(path);
+    return !path.isEmpty() && SaveFile(path);
 }
 
 }  // namespace survey

@@ -9,14 +9,15 @@
 #include <QStatusBar>
 #include <QTest>
 #include <cmath>
+#include <functional>
 #include <numbers>
 
 #include "apps/nyr-survey/app/settings.h"
 #include "apps/nyr-survey/app/texts.h"
 #include "apps/nyr-survey/io/points_columns.h"
 #include "apps/nyr-survey/io/points_file.h"
-#include "apps/nyr-survey/project/sample_project.h"
 #include "apps/nyr-survey/project/geodesy.h"
+#include "apps/nyr-survey/project/sample_project.h"
 #include "apps/nyr-survey/window/main_window.h"
 #include "apps/nyr-survey/window/point_dialog.h"
 #include "apps/nyr-survey/window/point_view.h"
@@ -26,6 +27,7 @@
 #include "nyrwidgets/input/input_string.h"
 #include "nyrwidgets/input/input_value.h"
 #include "nyrwidgets/msgbox/message_box.h"
+#include "nyrwidgets/msgbox/message_box_dialog.h"
 #include "nyrwidgets/views/report_view_save_as_dlg_cv.h"
 #include "nyrwidgets/views/view_print_dlg.h"
 #include "tests/nyrwidgets/views/view_print_test_p.h"
@@ -244,12 +246,8 @@ TEST_F(Editing, CancelledLongWorkLeavesTheProjectAsItWas)
 {
     const std::string big = s_dir->File("big.csv");
     {
-        ProjectData data = MakeTestData(20000);
-        std::vector<const CSurveyPoint*> points;
-        for (const auto& p : data.points)
-            points.push_back(p.get());
         std::string error;
-        ASSERT_TRUE(WritePointsFile(big, points, error)) << error;
+        ASSERT_TRUE(WritePointsFile(big, MakeTestData(20000).Pointers(), error)) << error;
     }
     CNyrProgressDialog::MinimumDurationDefault(0);
     nyr::test::DialogAnswer cancel([](QDialog& dialog) {
@@ -313,6 +311,59 @@ TEST_F(Editing, OneRememberedAnswerCoversEveryFileTheApplicationReplaces)
     EXPECT_EQ(asked, 1);
     CNyrMessageBoxDialog::SetAnswerHook({});
     CNyrMessageBox::DoNotPromptInFutureAllMessages(0);
+}
+
+// Every way of replacing the project, and closing the window, asks first
+// when points were changed: Cancel keeps the project and its changes, No
+// drops them, Yes saves them to the project's file before going on.
+TEST_F(Editing, AChangedProjectIsReplacedOrClosedOnlyAsTheUserAnswers)
+{
+    const std::string file = s_dir->File("changed.csv");
+    const QString other = QString::fromStdString(s_dir->File("other.csv"));
+    nyr::test::WriteFile(other.toStdString(), "Point,Latitude,Longitude\nO,49.5,8.5\n");
+    const std::pair<const char*, std::function<bool(CMainWindow&)>> actions[] = {
+        {"open", [&other](CMainWindow& w) { return w.OpenFile(other); }},
+        {"sample",
+         [](CMainWindow& w) {
+             w.OpenSample();
+             return w.View()->GetItemCount() == 300;
+         }},
+        {"generate", [](CMainWindow& w) { return w.GenerateTestData(10); }},
+        {"close", [](CMainWindow& w) { return w.close(); }},
+    };
+    int answer = 0, asked = 0;
+    CNyrMessageBoxDialog::SetAnswerHook([&](CNyrMessageBoxDialog& box) {
+        EXPECT_NE(box.Button(NYR_IDCANCEL), nullptr) << "the question offers Yes, No and Cancel";
+        ++asked;
+        return answer;
+    });
+    for (const auto& [what, act] : actions) {
+        for (const int given : {NYR_IDCANCEL, NYR_IDNO, NYR_IDYES}) {
+            SCOPED_TRACE(std::string(what) + " " + std::to_string(given));
+            nyr::test::WriteFile(file, "Point,Latitude,Longitude\nA,49.5,8.5\nB,49.6,8.6\n");
+            window->show();
+            ASSERT_TRUE(window->OpenFile(QString::fromStdString(file)));
+            ASSERT_EQ(EditCell(RealOf("A"), ColCode, "NEW"), "");
+            ASSERT_TRUE(View().IsModified());
+            answer = given;
+            asked = 0;
+            EXPECT_EQ(act(*window), given != NYR_IDCANCEL);
+            EXPECT_EQ(asked, 1);
+            EXPECT_EQ(nyr::test::ReadFile(file).find(",NEW,") != std::string::npos, given == NYR_IDYES);
+            if (given == NYR_IDCANCEL) {
+                EXPECT_EQ(window->FilePath().toStdString(), file);
+                EXPECT_TRUE(View().IsModified());
+                EXPECT_TRUE(window->isVisible());
+                View().SetModified(false);
+            }
+        }
+    }
+    // Nothing changed: nothing asked.
+    asked = 0;
+    window->OpenSample();
+    EXPECT_TRUE(window->close());
+    EXPECT_EQ(asked, 0);
+    CNyrMessageBoxDialog::SetAnswerHook({});
 }
 
 // The real program twice with one settings file: the second hands its file

@@ -234,7 +234,10 @@ void EditRandomCell(CPointView& view, unsigned int real, std::mt19937& random)
 // each the status bar, the list and the project agree.
 TEST_F(Parts, RandomStepsKeepTheWindowConsistent)
 {
-    CNyrMessageBoxDialog::SetAnswerHook([](CNyrMessageBoxDialog& d) { return d.Button(NYR_IDYES) ? NYR_IDYES : NYR_IDOK; });
+    // Yes to deleting; the changes dropped when the walk starts the sample anew.
+    CNyrMessageBoxDialog::SetAnswerHook([](CNyrMessageBoxDialog& d) {
+        return d.Button(NYR_IDCANCEL) ? NYR_IDNO : d.Button(NYR_IDYES) ? NYR_IDYES : NYR_IDOK;
+    });
     CMainWindow window;
     window.OpenSample();
     window.show();

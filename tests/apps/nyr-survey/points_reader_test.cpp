@@ -12,6 +12,7 @@
 #include "apps/nyr-survey/io/points_file.h"
 #include "apps/nyr-survey/io/time_text.h"
 #include "apps/nyr-survey/project/sample_project.h"
+#include "nyr/app/progress.h"
 #include "nyr/time/time_helper.h"
 #include "nyr/util/profile_entries.h"
 #include "tests/support/temp_dir.h"
@@ -147,9 +148,7 @@ TEST_F(PointsReader, EveryWrittenFormReadsBack)
 TEST_F(PointsReader, TheSavedFormIsLossless)
 {
     ProjectData sample = MakeSampleProject();
-    std::vector<const CSurveyPoint*> points;
-    for (const auto& p : sample.points)
-        points.push_back(p.get());
+    const std::vector<const CSurveyPoint*> points = sample.Pointers();
     nyr::test::TempDir dir;
     std::string error;
     ASSERT_TRUE(WritePointsFile(dir.File("a.csv"), points, error)) << error;
@@ -168,18 +167,14 @@ TEST_F(PointsReader, TheSavedFormIsLossless)
         EXPECT_EQ(a.observed.GetMilliSeconds(), b.observed.GetMilliSeconds());
     }
     // A second save of what was read is the same file, byte for byte.
-    std::vector<const CSurveyPoint*> again;
-    for (const auto& p : read.points)
-        again.push_back(p.get());
+    const std::vector<const CSurveyPoint*> again = read.Pointers();
     EXPECT_EQ(PointsText(again), nyr::test::ReadFile(dir.File("a.csv")));
 }
 
 TEST_F(PointsReader, AHundredMegabyteFileLoadsWholeOrNotAtAll)
 {
     ProjectData data = MakeTestData(910000, 7);
-    std::vector<const CSurveyPoint*> points;
-    for (const auto& p : data.points)
-        points.push_back(p.get());
+    const std::vector<const CSurveyPoint*> points = data.Pointers();
     std::string text = PointsText(points);
     data = {};
     ASSERT_GT(text.size(), 100u << 20);
@@ -215,6 +210,30 @@ TEST_F(PointsReader, FilesBeyondTheLimitAndNonFilesAreRefusedBeforeReading)
         EXPECT_NE(error.find(expected), std::string::npos) << error;
         EXPECT_EQ(open.points.size(), 1u);
     }
+}
+
+// Long work cancelled stops within one report of its progress, not after
+// it has made or read everything: generating and reading a million points.
+TEST_F(PointsReader, CancelledLongWorkStopsWithinOneProgressStep)
+{
+    CNyrProgress cancelled;
+    cancelled.Cancel();
+    const ProjectData made = MakeTestData(1000000, 3, &cancelled);
+    EXPECT_LE(made.points.size(), 4096u);
+
+    ProjectData data = MakeTestData(200000, 3);
+    const std::vector<const CSurveyPoint*> points = data.Pointers();
+    nyr::test::TempDir dir;
+    std::string written;
+    ASSERT_TRUE(WritePointsFile(dir.File("big.csv"), points, written)) << written;
+    CNyrProgress reading;
+    reading.Cancel();
+    ProjectData open = OpenProject();
+    ReadError error;
+    EXPECT_FALSE(ReadPointsFile(dir.File("big.csv"), open, error, &reading));
+    EXPECT_EQ(error.id, 0u);  // cancelled, not failed
+    EXPECT_LE(reading.Read().position, reading.Read().total / 20);
+    EXPECT_EQ(open.points.size(), 1u);
 }
 
 // Random damage to a good file: each read either fails with a message or

@@ -8,6 +8,7 @@
 #include <QMimeData>
 #include <QTest>
 #include <QUrl>
+#include <set>
 
 #include "apps/nyr-survey/app/language.h"
 #include "apps/nyr-survey/app/settings.h"
@@ -91,6 +92,36 @@ TEST_F(SurveyApp, GpsTimeStepsOverTheLeapSecond)
     EXPECT_FALSE(GpsFromTime(Utc("1980-01-05T23:59:59.000Z"), week, seconds));
     for (double bad : {-1.0, 604800.0, std::nan("")})
         EXPECT_FALSE(TimeFromGps(1930, bad, inside)) << bad;
+}
+
+// The sample shows what the time types are for: observations in the hour
+// that the end of daylight saving time repeats, and on both sides of the
+// leap second, half a second away, two GPS seconds apart.
+TEST_F(SurveyApp, TheSampleIsObservedThroughTheDstChangeAndTheLeapSecond)
+{
+    const ProjectData sample = MakeSampleProject();
+    ASSERT_EQ(sample.points.size(), 300u);
+    const int64_t repeatedHour = Utc("2016-10-30T00:00:00Z").GetTime().GetTime();  // 02:00 CEST, again at 01:00Z
+    std::set<std::string> names;
+    int inRepeatedHour = 0;
+    std::vector<std::string> nearLeap;
+    for (const auto& point : sample.points) {
+        names.insert(point->Name());
+        const CNyrTime& observed = point->GetData().observed;
+        const int64_t t = observed.GetTime().GetTime();
+        inRepeatedHour += t >= repeatedHour && t < repeatedHour + 3600;
+        const std::string iso = FormatIsoUtc(observed);
+        if (iso == "2016-12-31T23:59:59.500Z" || iso == "2017-01-01T00:00:00.500Z") {
+            int week = 0;
+            double seconds = 0;
+            ASSERT_TRUE(GpsFromTime(observed, week, seconds));
+            nearLeap.push_back(iso + " " + std::to_string(week) + " " + std::to_string(seconds));
+        }
+    }
+    EXPECT_EQ(names.size(), 300u);
+    EXPECT_GE(inRepeatedHour, 2);
+    EXPECT_EQ(nearLeap, (std::vector<std::string>{"2016-12-31T23:59:59.500Z 1930 16.500000",
+                                                  "2017-01-01T00:00:00.500Z 1930 18.500000"}));
 }
 
 TEST_F(SurveyApp, EveryRowOfTheTimeFormatTableReadsBack)

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -71,6 +72,48 @@ TEST(LogEscape, ALineNeverBreaksAndNothingIsAmbiguous)
     EXPECT_EQ(CNyrLogFile::EscapeMessage(longText), std::string(CNyrLogFile::kMaxMessage - 1, 'a') + "...");
     EXPECT_EQ(CNyrLogFile::EscapeMessage(std::string(CNyrLogFile::kMaxMessage, 'b')),
               std::string(CNyrLogFile::kMaxMessage, 'b'));
+}
+
+// One file per application under the user's state folder; the folders and
+// the file are the user's alone.
+TEST_F(LogFixture, DefaultPathIsTheApplicationsOwnUnderTheStateFolder)
+{
+    const std::string saved[] = {std::getenv("XDG_STATE_HOME") ? std::getenv("XDG_STATE_HOME") : "",
+                                 std::getenv("HOME") ? std::getenv("HOME") : ""};
+    const struct
+    {
+        const char* state;  // nullptr: unset
+        const char* home;
+        const char* app;
+        const char* expected;
+    } cases[] = {
+        {"/s/state", "/h", "nyr-survey", "/s/state/nyr-survey/nyr-survey.log"},
+        {nullptr, "/h/", "nyr-survey", "/h/.local/state/nyr-survey/nyr-survey.log"},
+        {"relative/state", "/h", "a", "/h/.local/state/a/a.log"},  // not absolute: ignored
+        {"", "/h", "a", "/h/.local/state/a/a.log"},
+        {"/s", "/h", "my app/../x", "/s/my_app_.._x/my_app_.._x.log"},  // never leaves its folder
+        {"/s", "/h", "..", "/s/nyr/nyr.log"},
+        {"/s", "/h", "", "/s/nyr/nyr.log"},
+    };
+    for (const auto& c : cases) {
+        c.state ? setenv("XDG_STATE_HOME", c.state, 1) : unsetenv("XDG_STATE_HOME");
+        setenv("HOME", c.home, 1);
+        EXPECT_EQ(CNyrLogFile::DefaultPath(c.app), c.expected) << (c.state ? c.state : "unset") << " " << c.app;
+    }
+    setenv("XDG_STATE_HOME", dir.File("state").c_str(), 1);
+    {
+        CNyrLogFile log(CNyrLogFile::DefaultPath("app"));
+        EXPECT_EQ(log.Info("first"), 1);
+    }
+    struct stat folder = {};
+    struct stat file = {};
+    ASSERT_EQ(stat(dir.File("state/app").c_str(), &folder), 0);
+    ASSERT_EQ(stat(path.c_str(), &file), 0);
+    EXPECT_EQ(folder.st_mode & 0777, 0700u);
+    EXPECT_EQ(file.st_mode & 0777, 0600u);
+    EXPECT_NE(ReadFile(path).find(" INFO "), std::string::npos);
+    saved[0].empty() ? unsetenv("XDG_STATE_HOME") : setenv("XDG_STATE_HOME", saved[0].c_str(), 1);
+    setenv("HOME", saved[1].c_str(), 1);
 }
 
 TEST_F(LogFixture, LinesCarryTheStoredTimeFormatLevelAndThread)

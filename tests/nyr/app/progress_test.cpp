@@ -53,14 +53,19 @@ TEST(Progress, RemainingTimeIsKnownOnlyOnceWorkWasDone)
     EXPECT_TRUE(progress.SetPosition(150));
     EXPECT_LT(progress.Read().remainingSeconds, 0);  // past the total: no estimate
 
+    // Once cancelled, every report tells the job to stop.
     progress.Cancel();
     EXPECT_TRUE(progress.Read().cancelled);
+    EXPECT_FALSE(progress.Step(1));
+    EXPECT_FALSE(progress.SetPosition(160));
+    EXPECT_FALSE(progress.Step(0));
     progress.Restart();
     s = progress.Read();
     EXPECT_FALSE(s.cancelled);
     EXPECT_EQ(s.position, 0u);
     EXPECT_EQ(s.total, 0u);
     EXPECT_EQ(s.text, "");
+    EXPECT_TRUE(progress.SetPosition(1));
 }
 
 class OldLibraries : public CNyrVersionSource
