@@ -283,7 +283,8 @@ TEST(ValueFieldsLanguage, AFieldMadeAfterALanguageSwitchStillRefusesImpossibleKe
                     field->setCursorPosition(0);
                     QTest::keyClick(field.get(), Qt::Key_X);
                     QTest::keyClick(field.get(), Qt::Key_0);
-                    if (field->text() != "0" + shown || !field->Validate() || std::fabs(field->GetValue() - 0.5) > 1e-5) {
+                    if (field->text() != "0" + shown || !field->Validate() ||
+                        std::fabs(field->GetValue() - 0.5) > 1e-5) {
                         std::fprintf(stderr, "%s unit %ld: %s\n", kind.name, unit, shown.toUtf8().constData());
                         ++failures;
                     }
