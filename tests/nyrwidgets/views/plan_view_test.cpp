@@ -444,3 +444,25 @@ TEST(PlanViewOutput, RenderFitsTheViewIntoAnyRectangleAndExportsPng)
     EXPECT_NE(messages.texts[0].find(dir.File("chosen.png") + " already exists"), std::string::npos);
     EXPECT_NE(messages.texts[1].find("no such folder/plan.png"), std::string::npos);
 }
+
+// The north arrow (top right) and the scale bar (bottom right) are drawn
+// with no points at all, in their corners; the rest of an empty plan is
+// background.
+TEST(PlanViewOutput, NorthArrowAndScaleBarAreDrawnInTheirCorners)
+{
+    CNyrPlanView plan;
+    plan.resize(400, 300);
+    plan.SetScale(2.0);
+    const QImage image = plan.ToImage();
+    const QColor base = plan.palette().color(QPalette::Base);
+    const auto inked = [&image, &base](const QRect& area) {
+        int pixels = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                pixels += image.pixelColor(x, y) != base;
+        return pixels;
+    };
+    EXPECT_GT(inked(QRect(350, 0, 50, 60)), 40);    // north arrow
+    EXPECT_GT(inked(QRect(200, 240, 200, 60)), 40);  // scale bar and its text
+    EXPECT_EQ(inked(QRect(0, 0, 340, 230)), 0);
+}
