@@ -462,7 +462,7 @@ TEST(PlanViewOutput, NorthArrowAndScaleBarAreDrawnInTheirCorners)
                 pixels += image.pixelColor(x, y) != base;
         return pixels;
     };
-    EXPECT_GT(inked(QRect(350, 0, 50, 60)), 40);    // north arrow
+    EXPECT_GT(inked(QRect(350, 0, 50, 60)), 40);     // north arrow
     EXPECT_GT(inked(QRect(200, 240, 200, 60)), 40);  // scale bar and its text
     EXPECT_EQ(inked(QRect(0, 0, 340, 230)), 0);
 }
