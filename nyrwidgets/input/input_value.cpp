@@ -72,8 +72,9 @@ struct CNyrInputValue::Private
     // Every character the value type writes for a value of either sign in
     // the units of `table`. The value types load their symbols and hemisphere
     // letters once per process, so after a switch of language these need not
-    // be the texts of the module current now; a field that refused them
-    // would refuse every keystroke in a text it wrote itself.
+    // be the texts of the module current now. A field whose own text failed
+    // its keystroke check would let every keystroke through: QLineEdit
+    // refuses a keystroke only in a text that passed.
     void AllowWritten(const NYR_UNIT_TEXT* table)
     {
         for (const NYR_UNIT_TEXT* row = table; row->unit != -1; ++row) {
