@@ -248,12 +248,20 @@ unsigned int CNyrInputFileName::CheckValue(const std::any& value) const
     const QDir base(d->base.isEmpty() ? QDir::currentPath() : d->base);
     const QFileInfo info(base.absoluteFilePath(QString::fromStdString(std::any_cast<std::string>(value))));
     switch (d->mode) {
-    case eFileMustExist: return info.exists() && !info.isDir() ? 0 : NYR_IDS_INPUT_NO_FILE;
-    case eFolderMustExist: return info.isDir() ? 0 : NYR_IDS_INPUT_NO_FOLDER;
+    case eFileMustExist:
+        if (!info.exists() || info.isDir())
+            return NYR_IDS_INPUT_NO_FILE;
+        break;
+    case eFolderMustExist:
+        if (!info.isDir())
+            return NYR_IDS_INPUT_NO_FOLDER;
+        break;
     case eMayBeNew:
         if (info.isDir())
             return NYR_IDS_INPUT_BAD_FILE_NAME;  // a folder cannot become the file
-        return QFileInfo(info.absolutePath()).isDir() ? 0 : NYR_IDS_INPUT_NO_FOLDER;
+        if (!QFileInfo(info.absolutePath()).isDir())
+            return NYR_IDS_INPUT_NO_FOLDER;
+        break;
     }
     return 0;
 }

@@ -69,17 +69,37 @@ struct CNyrInputValue::Private
             if (c.unicode() < 256)
                 allowed.set(c.unicode());
     }
+    // Every character the value type writes for a value of either sign in
+    // the units of `table`. The value types load their symbols and hemisphere
+    // letters once per process, so after a switch of language these need not
+    // be the texts of the module current now. A field whose own text failed
+    // its keystroke check would let every keystroke through: QLineEdit
+    // refuses a keystroke only in a text that passed.
+    void AllowWritten(const NYR_UNIT_TEXT* table)
+    {
+        for (const NYR_UNIT_TEXT* row = table; row->unit != -1; ++row) {
+            for (double sample : {0.5, -0.5}) {
+                std::string text;
+                value->Status();
+                if (value->SetDouble(sample) == NYR_VALUE_OK && value->ConvertStdTo(text, row->unit) == NYR_VALUE_OK)
+                    Allow(QString::fromStdString(text));
+            }
+        }
+        value->Status();
+    }
 };
 
 CNyrInputValue::CNyrInputValue(QWidget* parent, std::unique_ptr<CNyrValue> value, unsigned int unitMessage)
     : CNyrInputControl(parent), d(new Private{std::move(value), unitMessage, {}, {}, 0})
 {
     const bool angle = unitMessage == WM_NYR_UNIT_CHANGED_ANGLE;
+    const NYR_UNIT_TEXT* units = angle ? NyrUnitTableAngle() : NyrUnitTableDistance();
     d->Allow(QStringLiteral("0123456789 .+-:eE"));
-    d->Allow(AbbreviationCharacters(angle ? NyrUnitTableAngle() : NyrUnitTableDistance()));
+    d->Allow(AbbreviationCharacters(units));
+    d->AllowWritten(units);
     if (angle) {
         d->Allow(QStringLiteral("\u00b0'\"gc"));
-        for (unsigned int id : {26132u, 26133u, 26134u})
+        for (unsigned int id : {NYR_IDS_SYMBOL_SECONDS, NYR_IDS_SYMBOL_MGON, NYR_IDS_SYMBOL_DEGREE})
             d->Allow(QString::fromStdString(NyrLoadString(id)));
     }
     UpdateSuffixSpace();

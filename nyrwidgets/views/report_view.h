@@ -511,9 +511,10 @@ public:
     // more than a double-click interval after the click before and is not the
     // first of a double click; the view sends itself WM_NYR_DBLCLK_SLOW for
     // it (wParam the real item, lParam the real column; a host may send it
-    // too). Enter saves, Escape cancels, Tab and Shift+Tab save and go on to
-    // the next editable cell of the row in display order (editing ends after
-    // the last); leaving the editor for elsewhere saves. The item stores or
+    // too; the result is 1 when the editor opened, as EditRealItem). Enter
+    // saves, Escape cancels, Tab and Shift+Tab save and go on to the next
+    // editable cell of the row in display order (editing ends after the
+    // last); leaving the editor for elsewhere saves. The item stores or
     // refuses the value (OnEditItemSave); a refused value keeps the editor
     // open with its message. A stored value redraws the row at once
     // (RefreshRealItem, notifying), and when the view is sorted by that

@@ -74,6 +74,9 @@ int CNyrReportViewInplace::Begin(unsigned int realItem, unsigned int realCol)
     if (!field)
         return 0;
     field->setObjectName(QStringLiteral("nyrInplaceEditor"));
+    // A cell has no label: assistive technology names the editor after its column.
+    field->setAccessibleName(
+        m_view->model()->headerData(m_view->ScreenColFromReal(realCol), Qt::Horizontal).toString());
     m_editor = field;
     m_realItem = realItem;
     m_realCol = realCol;

@@ -69,7 +69,8 @@ TEST(TextIds, NamesKeepTheirNumbers)
 TEST(TextIds, SourcesUseTheNames)
 {
     namespace fs = std::filesystem;
-    const std::regex bare(R"((^|[^\w.])(26[0-4]\d\d|5612[0-5])($|[^\w.]))");
+    // With or without an integer suffix (26132u).
+    const std::regex bare(R"((^|[^\w.])(26[0-4]\d\d|5612[0-5])[uUlL]*($|[^\w.]))");
     int files = 0;
     for (const char* top : {"nyr", "nyrwidgets", "apps"}) {
         for (const auto& entry : fs::recursive_directory_iterator(fs::path(NYR_SOURCE_DIR) / top)) {

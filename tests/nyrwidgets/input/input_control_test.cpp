@@ -242,6 +242,60 @@ TEST_F(Fields, LeavingAfterAChangeValidatesExceptForCancel)
     EXPECT_TRUE(field->IsInputValid());
 }
 
+// A field edited in place talks to its host, not to its dialog: every way of
+// leaving it says how in the save message, and a value that fails the
+// field's own rules never reaches the host.
+TEST_F(Fields, AHookedFieldTellsItsHostHowTheEditEndsUntilUnhooked)
+{
+    Window window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* field = new CNyrInputInteger(&window);
+    field->SetRange(1, 10);
+    auto* next = new QLineEdit(&window);
+    layout->addWidget(field);
+    layout->addWidget(next);
+    ASSERT_TRUE(ShowActive(window));
+    Window host;
+    host.answers[WM_NYR_INPUT_CONTROL_SAVE_VALUE_INLINE] = 1;
+    EXPECT_EQ(NyrSendMessage(field, WM_NYR_INPUT_CONTROL_HOOK_DLG_CTRL, reinterpret_cast<quintptr>(&host)), 1);
+    EXPECT_EQ(field->Host(), &host);
+
+    const struct
+    {
+        const char* text;
+        std::function<void()> leave;
+        std::vector<qintptr> saves;  // every SAVE_VALUE_INLINE lParam so far
+    } steps[] = {
+        {"5", [&] { QTest::keyClick(field, Qt::Key_Return); }, {0}},
+        {"6", [&] { QTest::keyClick(field, Qt::Key_Tab); }, {0, 1}},
+        {"7", [&] { QTest::keyClick(field, Qt::Key_Backtab, Qt::ShiftModifier); }, {0, 1, -1}},
+        {"50", [&] { QTest::keyClick(field, Qt::Key_Enter); }, {0, 1, -1}},  // out of range: not told
+        {"8", [&] { next->setFocus(Qt::MouseFocusReason); }, {0, 1, -1, 2}},
+    };
+    for (const auto& step : steps) {
+        Retype(*field, step.text);
+        step.leave();
+        EXPECT_EQ(host.LParams(WM_NYR_INPUT_CONTROL_SAVE_VALUE_INLINE), step.saves) << step.text;
+    }
+    EXPECT_EQ(field->GetValue(), 8);
+    field->setFocus(Qt::OtherFocusReason);
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_EQ(host.LParams(WM_NYR_INPUT_CONTROL_CANCEL_INLINE), std::vector<qintptr>{0});
+    for (const Window::Message& m : host.received)
+        EXPECT_EQ(m.wParam, reinterpret_cast<quintptr>(field));
+    EXPECT_TRUE(window.LParams(WM_NYR_KEYDOWN_EE).empty());  // Enter and Escape went to the host alone
+
+    EXPECT_EQ(NyrSendMessage(field, WM_NYR_INPUT_CONTROL_UNHOOK_DLG_CTRL, 0), 1);
+    EXPECT_EQ(field->Host(), nullptr);
+    const std::size_t told = host.received.size();
+    Retype(*field, "9");
+    QTest::keyClick(field, Qt::Key_Return);
+    QTest::keyClick(field, Qt::Key_Tab);
+    EXPECT_EQ(host.received.size(), told);
+    EXPECT_EQ(window.LParams(WM_NYR_KEYDOWN_EE), std::vector<qintptr>{Qt::Key_Return});
+    EXPECT_TRUE(next->hasFocus());
+}
+
 struct KeysCase
 {
     const char* name;

@@ -3,6 +3,8 @@
 #include <QTest>
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <random>
@@ -12,6 +14,7 @@
 #include "nyrwidgets/input/input_value.h"
 #include "tests/nyrwidgets/input/input_test_p.h"
 
+using nyr::test::German;
 using nyr::test::Retype;
 using nyr::test::Window;
 
@@ -250,6 +253,46 @@ TEST_F(ValueFields, NothingMovesWhenTheUnitChanges)
     }
     ChangeUnit(window, kind, NYR_UNIT_GRAD);
     EXPECT_EQ(field->accessibleDescription(), "Angle in Grad [ grad ]");
+}
+
+// The value types load their hemisphere letters and symbols once per
+// process, in the language of the moment. A program that started in German
+// and switched to English made fields whose own text ("28.647890 O" while
+// the module says "E") failed their keystroke check; QLineEdit then lets
+// every keystroke through, letters included. Run in a process of its own,
+// where nothing was loaded yet.
+TEST(ValueFieldsLanguage, AFieldMadeAfterALanguageSwitchStillRefusesImpossibleKeys)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            {
+                German german;
+                if (!german.Loaded())
+                    std::_Exit(2);
+                CNyrInputLongitude first;
+                first.SetValue(0.1);  // the letters of the process: German ones
+            }
+            int failures = 0;
+            for (const Kind& kind : Kinds()) {
+                for (long unit : kind.units) {
+                    kind.settings->Unit(unit);
+                    std::unique_ptr<CNyrInputValue> field(kind.make(nullptr));
+                    field->SetValue(0.5);
+                    const QString shown = field->text();
+                    field->setCursorPosition(0);
+                    QTest::keyClick(field.get(), Qt::Key_X);
+                    QTest::keyClick(field.get(), Qt::Key_0);
+                    if (field->text() != "0" + shown || !field->Validate() ||
+                        std::fabs(field->GetValue() - 0.5) > 1e-5) {
+                        std::fprintf(stderr, "%s unit %ld: %s\n", kind.name, unit, shown.toUtf8().constData());
+                        ++failures;
+                    }
+                }
+            }
+            std::_Exit(failures ? 1 : 0);  // the child ends here, its widgets with it
+        },
+        ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

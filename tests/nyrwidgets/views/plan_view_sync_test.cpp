@@ -216,6 +216,13 @@ TEST(PlanViewSync, RubberBandSelectsExactlyWhatItEncloses)
     Drag(f.plan, f.ScreenOf(47) + QPoint(4, 4), f.ScreenOf(47) - QPoint(4, 4), Qt::ShiftModifier);
     EXPECT_EQ(f.Selected(), std::vector<unsigned int>{47});
     ExpectInStep(f, "band");
+    // Escape ends a band: the button coming up changes nothing.
+    QTest::mousePress(&f.plan, Qt::LeftButton, Qt::ShiftModifier, from);
+    QTest::mouseMove(&f.plan, (from + to) / 2);
+    QTest::mouseMove(&f.plan, to);
+    QTest::keyClick(&f.plan, Qt::Key_Escape);
+    QTest::mouseRelease(&f.plan, Qt::LeftButton, Qt::ShiftModifier, to);
+    EXPECT_EQ(f.Selected(), std::vector<unsigned int>{47});
 
     // A plain drag pans and selects nothing.
     const QPointF before = f.plan.PlaneToScreen(f.Item(20)->easting, f.Item(20)->northing);

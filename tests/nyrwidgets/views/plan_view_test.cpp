@@ -146,7 +146,8 @@ TEST(PlanViewMapping, ZoomToAllAndToSelectionFitTheirPoints)
     f.report.DisplayRealItems(0);
     f.report.HideRealItem(3, 1);
 
-    ASSERT_EQ(f.plan.ZoomToAll(), 1);
+    f.plan.SetScale(1e-4);
+    QTest::keyClick(&f.plan, Qt::Key_Home);  // zoom to all
     // 400 x 900 m in 400 x 300 pixels: the height decides, with a margin.
     const QRectF inner = QRectF(f.plan.rect()).adjusted(3, 3, -3, -3);
     for (unsigned int r : {0u, 1u, 2u})
@@ -155,7 +156,7 @@ TEST(PlanViewMapping, ZoomToAllAndToSelectionFitTheirPoints)
 
     f.report.SelectRealItem(0, 1);
     f.report.SelectRealItem(1, 1);
-    ASSERT_EQ(f.plan.ZoomToSelection(), 1);
+    QTest::keyClick(&f.plan, Qt::Key_Home, Qt::ShiftModifier);  // zoom to the selection
     EXPECT_GT(f.ScreenOf(1).x() - f.ScreenOf(0).x(), 0.8 * 400);
     EXPECT_NEAR((f.ScreenOf(0).y() + f.ScreenOf(1).y()) / 2.0, 150, 1);
 
@@ -442,4 +443,26 @@ TEST(PlanViewOutput, RenderFitsTheViewIntoAnyRectangleAndExportsPng)
     ASSERT_EQ(messages.texts.size(), 2u);
     EXPECT_NE(messages.texts[0].find(dir.File("chosen.png") + " already exists"), std::string::npos);
     EXPECT_NE(messages.texts[1].find("no such folder/plan.png"), std::string::npos);
+}
+
+// The north arrow (top right) and the scale bar (bottom right) are drawn
+// with no points at all, in their corners; the rest of an empty plan is
+// background.
+TEST(PlanViewOutput, NorthArrowAndScaleBarAreDrawnInTheirCorners)
+{
+    CNyrPlanView plan;
+    plan.resize(400, 300);
+    plan.SetScale(2.0);
+    const QImage image = plan.ToImage();
+    const QColor base = plan.palette().color(QPalette::Base);
+    const auto inked = [&image, &base](const QRect& area) {
+        int pixels = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                pixels += image.pixelColor(x, y) != base;
+        return pixels;
+    };
+    EXPECT_GT(inked(QRect(350, 0, 50, 60)), 40);     // north arrow
+    EXPECT_GT(inked(QRect(200, 240, 200, 60)), 40);  // scale bar and its text
+    EXPECT_EQ(inked(QRect(0, 0, 340, 230)), 0);
 }

@@ -161,6 +161,7 @@ TEST_F(Inplace, F2EditsEnterSavesEscapeCancelsAndARefusedValueKeepsTheEditor)
     EXPECT_EQ(editor->Kind(), NYR_INPUT_STRING);
     EXPECT_EQ(editor->text(), "p2");
     EXPECT_EQ(editor->geometry(), CellRect(2, 0));
+    EXPECT_EQ(editor->accessibleName(), "Name");
     EXPECT_TRUE(editor->hasFocus());
     Type("renamed");
     Key(Qt::Key_Return);
