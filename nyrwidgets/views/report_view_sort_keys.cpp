@@ -26,14 +26,14 @@ uint64_t NumberCode(double value)
     if (std::isnan(value))
         return ~uint64_t{0};
     const auto bits = std::bit_cast<uint64_t>(value == 0.0 ? 0.0 : value);
-    return (bits >> 63) != 0 ? ~bits : bits | uint64_t{1} << 63;
+    return (bits >> 63) != 0 ? ~bits : (bits | uint64_t{1} << 63);
 }
 
 uint64_t KeyCode(const SORT_KEY& key, nyr::time_detail::MjdReader& mjd)
 {
     switch (key.kind) {
     case SORT_KEY::KindNumber: return NumberCode(key.number);
-    case SORT_KEY::KindInteger: return static_cast<uint64_t>(key.integer) ^ uint64_t { 1 } << 63;
+    case SORT_KEY::KindInteger: return static_cast<uint64_t>(key.integer) ^ (uint64_t{1} << 63);
     // CNyrTime compares by MJD: local clock readings, fractions included.
     case SORT_KEY::KindTime: return key.time ? NumberCode(mjd.Mjd(*key.time)) : 0;
     default: return 0;
