@@ -67,11 +67,11 @@ bool CNyrReportViewPrivate::TakeRowsInOrderOrReversed()
 {
     // With a consistent comparison the result is the one a full sort gives.
     const nyr::views_detail::LessRealItem less{sortState};
-    const auto before = [this, &less](RealItem a, RealItem b) { return less({Item(a), a}, {Item(b), b}); };
-    const auto after = [&before](RealItem a, RealItem b) { return before(b, a); };
-    if (std::is_sorted(screenToRealItem.begin(), screenToRealItem.end(), before))
+    const auto realAt = [this](std::size_t s) { return Ix(screenToRealItem[s]); };
+    const std::size_t n = screenToRealItem.size();
+    if (nyr::views_detail::NeighboursInOrder(n, realAt, items, less, false))
         return true;
-    if (!std::is_sorted(screenToRealItem.begin(), screenToRealItem.end(), after))
+    if (!nyr::views_detail::NeighboursInOrder(n, realAt, items, less, true))
         return false;
     std::reverse(screenToRealItem.begin(), screenToRealItem.end());
     return true;

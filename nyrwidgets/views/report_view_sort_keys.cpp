@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "nyr/time/mjd_reader_p.h"
-#include "nyrwidgets/views/intro_sort_p.h"
 #include "nyrwidgets/views/sort_keys_p.h"
 
 namespace nyr::views_detail {
@@ -118,28 +117,6 @@ void RadixSort(std::vector<KeyedRow<K>>& rows)
     }
 }
 
-// Whether LessRealItem holds for every pair of neighbouring rows. The items
-// lie anywhere in memory: each is fetched a few rows ahead, and its pointer
-// a few rows before that.
-template <std::size_t K>
-bool InOrder(const std::vector<KeyedRow<K>>& sorted, const std::vector<CNyrReportViewItem*>& items,
-             const SortState& state)
-{
-    const LessRealItem less{state};
-    const auto entry = [&](std::size_t s) {
-        return SortEntry{items[sorted[s].real], static_cast<RealItem>(sorted[s].real)};
-    };
-    for (std::size_t s = 1; s < sorted.size(); ++s) {
-        if (s + 2 * kAheadDistance < sorted.size())
-            __builtin_prefetch(&items[sorted[s + 2 * kAheadDistance].real]);
-        if (s + kAheadDistance < sorted.size())
-            PrefetchItem()(entry(s + kAheadDistance));
-        if (!less(entry(s - 1), entry(s)))
-            return false;
-    }
-    return true;
-}
-
 template <std::size_t K>
 bool SortBy(std::vector<RealItem>& rows, const std::vector<CNyrReportViewItem*>& items, const SortState& keys,
             const SortState& state)
@@ -148,7 +125,8 @@ bool SortBy(std::vector<RealItem>& rows, const std::vector<CNyrReportViewItem*>&
     if (!ReadKeys<K>(rows, items, keys, keyed))
         return false;
     RadixSort(keyed);
-    if (!InOrder(keyed, items, state))
+    const auto realAt = [&keyed](std::size_t s) { return keyed[s].real; };
+    if (!NeighboursInOrder(keyed.size(), realAt, items, LessRealItem{state}, false))
         return false;
     for (std::size_t s = 0; s < keyed.size(); ++s)
         rows[s] = static_cast<RealItem>(keyed[s].real);

@@ -5,9 +5,34 @@
 
 #include <vector>
 
+#include "nyrwidgets/views/intro_sort_p.h"
 #include "nyrwidgets/views/report_view_p.h"
 
 namespace nyr::views_detail {
+
+// Whether `less` holds for every pair of neighbouring rows (rows 0 .. n - 1,
+// row s being the real item realAt(s)), or with `reversed` for every pair
+// taken the other way round; stops at the first pair that fails. The items
+// lie anywhere in memory: each is fetched a few rows ahead, and its pointer
+// a few rows before that.
+template <class RealAt>
+bool NeighboursInOrder(std::size_t n, RealAt realAt, const std::vector<CNyrReportViewItem*>& items,
+                       const LessRealItem& less, bool reversed)
+{
+    const auto entry = [&](std::size_t s) {
+        const std::uint32_t r = realAt(s);
+        return SortEntry{items[r], static_cast<RealItem>(r)};
+    };
+    for (std::size_t s = 1; s < n; ++s) {
+        if (s + 2 * kAheadDistance < n)
+            __builtin_prefetch(&items[realAt(s + 2 * kAheadDistance)]);
+        if (s + kAheadDistance < n)
+            PrefetchItem()(entry(s + kAheadDistance));
+        if (!(reversed ? less(entry(s), entry(s - 1)) : less(entry(s - 1), entry(s))))
+            return false;
+    }
+    return true;
+}
 
 // Puts `rows` (real items, each once, in any order) in the order of the
 // less-than rule of LessRealItem under `state`, from the items' sort keys:
