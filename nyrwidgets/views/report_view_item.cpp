@@ -126,7 +126,20 @@ int CNyrReportViewItem::OnGetItemToolTip(unsigned int, unsigned int, std::string
     return 0;
 }
 
-int CNyrReportViewItem::OnCompareItem(const CNyrReportViewItem*, unsigned int)
+int CNyrReportViewItem::OnCompareItem(const CNyrReportViewItem* other, unsigned int realCol)
+{
+    SORT_KEY a, b;
+    if (!other || !OnGetItemSortKey(realCol, a) || !other->OnGetItemSortKey(realCol, b) || a.kind != b.kind)
+        return 0;
+    switch (a.kind) {
+    case SORT_KEY::KindNumber: return Compare(a.number, b.number);
+    case SORT_KEY::KindInteger: return Compare(static_cast<long>(a.integer), static_cast<long>(b.integer));
+    case SORT_KEY::KindTime: return a.time && b.time ? Compare(*a.time, *b.time) : 0;
+    default: return 0;
+    }
+}
+
+int CNyrReportViewItem::OnGetItemSortKey(unsigned int, SORT_KEY&) const
 {
     return 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointer>
+#include <optional>
 #include <string>
 
 #include "nyr/platform/export.h"
@@ -42,6 +43,26 @@ public:
     enum eItemState : unsigned int { StateSelected = 2, StateDisabled = 4 };
     // Bits of the model flags.
     enum eModelFlags : unsigned int { FlagHidden = 1, FlagDeleted = 2, FlagChecked = 4 };
+
+    // A cell's value in a form the library compares itself (OnGetItemSortKey).
+    struct SORT_KEY
+    {
+        enum eKind : int
+        {
+            KindNone = 0,
+            KindNumber,
+            KindInteger,
+            KindTime
+        };
+        eKind kind = KindNone;
+        double number = 0.0;           // KindNumber: compares as Compare(double, double), NaN last
+        long long integer = 0;         // KindInteger: compares as Compare(long, long)
+        std::optional<CNyrTime> time;  // KindTime: compares as Compare(const CNyrTime&, const CNyrTime&)
+
+        void SetNumber(double value) { kind = KindNumber, number = value; }
+        void SetInteger(long long value) { kind = KindInteger, integer = value; }
+        void SetTime(const CNyrTime& value) { kind = KindTime, time = value; }
+    };
 
     CNyrReportViewItem() = default;
     virtual ~CNyrReportViewItem();
@@ -116,13 +137,25 @@ public:
     // The tool tip of a cell: non-zero with the text, 0 (the default) for none.
     virtual int OnGetItemToolTip(unsigned int realCol, unsigned int screenCol, std::string& text);
     // Three-way comparison with `other` on a column, for sorting: negative
-    // when this item comes first in ascending order. The default answers 0
-    // (all items equal, so sorting keeps insertion order). `realCol` may be
-    // any number a stored sort state carries, even one past the last column.
+    // when this item comes first in ascending order. The default compares the
+    // two items' sort keys (OnGetItemSortKey) with the comparison of their
+    // kind, and answers 0 when either has none or the kinds differ (so items
+    // without keys are all equal, and sorting keeps insertion order).
+    // `realCol` may be any number a stored sort state carries, even one past
+    // the last column.
     virtual int OnCompareItem(const CNyrReportViewItem* other, unsigned int realCol);
     // The document object the item stands for, owned elsewhere; the default
     // has none.
     virtual QPointer<QObject> OnGetItemDocument(unsigned int realCol);
+    // The value the item sorts by on a column: set `key` and return non-zero,
+    // or 0 (the default) for none. A view sorts its rows by the keys, read
+    // once per item, when every row has one of the same kind for each sort
+    // column, and then checks the order with OnCompareItem, one call per
+    // pair of neighbouring rows; where the comparison disagrees with the
+    // keys, or a row has no key, it sorts through OnCompareItem alone. So an
+    // item class may override OnCompareItem and still offer keys, and the
+    // comparison always decides; keys that order as it does save the time.
+    virtual int OnGetItemSortKey(unsigned int realCol, SORT_KEY& key) const;
 
     // In-place editing (CNyrReportView::EditRealItem, F2, a slow double click).
     // The typed field (eNyrInputKind) that edits the cell; 0 (NYR_INPUT_NONE,

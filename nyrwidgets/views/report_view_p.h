@@ -317,6 +317,11 @@ public:
     // Sorts screenToRealItem by the sort state (the maps are renumbered);
     // `inRealOrder` says the rows are in real order already.
     void SortRows(bool inRealOrder);
+    // True when the rows are in order, or were in reverse and are turned
+    // round now; false (and the rows as they were) otherwise.
+    bool TakeRowsInOrderOrReversed();
+    // SortRows through OnCompareItem alone, without the items' keys.
+    void SortRowsByComparison();
     void InsertRowOnScreen(RealItem r);
     void RemoveRowFromScreen(RealItem r);
     // Qt's selection of one row (or of all rows) made to agree with the items.

@@ -26,7 +26,8 @@
 namespace nyr::test {
 
 // An item with one text per column; column 1 compares as a number when it
-// holds one, the others as texts ignoring case.
+// holds one, the others as texts ignoring case. Column 1 offers its number as
+// a sort key too, so that sorts by it take the keys' way.
 class TextItem : public CNyrReportViewItem
 {
 public:
@@ -51,6 +52,13 @@ public:
         if (realCol == 1)
             return Compare(std::atof(a.c_str()), std::atof(b.c_str()));
         return CompareIS(a, b);
+    }
+    int OnGetItemSortKey(unsigned int realCol, SORT_KEY& key) const override
+    {
+        if (realCol != 1)
+            return 0;
+        key.SetNumber(std::atof(m_cells.size() > 1 ? m_cells[1].c_str() : ""));
+        return 1;
     }
     int OnHideItem(int hide) override { return Log("hide", hide) && !vetoHide; }
     int OnDeleteItem() override { return Log("delete", 1) && !vetoDelete; }
