@@ -141,6 +141,24 @@ int CSurveyPoint::OnCompareItem(const CNyrReportViewItem* other, unsigned int re
     }
 }
 
+int CSurveyPoint::OnGetItemSortKey(unsigned int realCol, SORT_KEY& key) const
+{
+    const Data& d = m_data;
+    switch (realCol) {
+    case ColEasting: key.SetNumber(d.easting); return 1;
+    case ColNorthing: key.SetNumber(d.northing); return 1;
+    case ColHeight: key.SetNumber(d.height); return 1;
+    case ColLatitude: key.SetNumber(d.lat); return 1;
+    case ColLongitude: key.SetNumber(d.lon); return 1;
+    case ColObserved:
+    case ColGpsWeek:
+    case ColGpsSeconds: key.SetTime(d.observed); return 1;
+    case ColDistance: key.SetNumber(FromBase().distance); return 1;
+    case ColAzimuth: key.SetNumber(FromBase().azimuth); return 1;
+    default: return 0;  // names and codes: natural and case-blind order
+    }
+}
+
 void CSurveyPoint::OnGetItemColor(unsigned int realItem, unsigned int screenItem, unsigned int realCol,
                                   unsigned int screenCol, unsigned int& textColor, unsigned int& backColor)
 {

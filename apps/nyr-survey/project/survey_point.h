@@ -88,6 +88,9 @@ public:
 
     int OnGetItemText(unsigned int realCol, unsigned int screenCol, std::string& text) override;
     int OnCompareItem(const CNyrReportViewItem* other, unsigned int realCol) override;
+    // The measured and time columns offer their values, so that the list
+    // sorts them as numbers; they order exactly as OnCompareItem does.
+    int OnGetItemSortKey(unsigned int realCol, SORT_KEY& key) const override;
     void OnGetItemColor(unsigned int realItem, unsigned int screenItem, unsigned int realCol, unsigned int screenCol,
                         unsigned int& textColor, unsigned int& backColor) override;
     int OnGetPlanPosition(double& easting, double& northing) const override;

@@ -8,6 +8,7 @@
 #include <QMimeData>
 #include <QTest>
 #include <QUrl>
+#include <random>
 #include <set>
 
 #include "apps/nyr-survey/app/language.h"
@@ -147,6 +148,33 @@ TEST_F(SurveyApp, PointNamesSortInNaturalOrder)
     for (std::size_t i = 0; i < sorted.size(); ++i)
         for (std::size_t j = 0; j < sorted.size(); ++j)
             EXPECT_EQ(CompareNames(sorted[i], sorted[j]) < 0, i < j) << sorted[i] << " / " << sorted[j];
+}
+
+TEST_F(SurveyApp, SortKeysOrderAsTheComparison)
+{
+    // Keys that disagree with OnCompareItem would make every sort fall back
+    // to the slow path unseen; the base class's comparison compares keys.
+    CMainWindow window;
+    window.OpenSample();
+    CPointView& view = *window.View();
+    view.FocusRealItem(3);
+    window.Action(CMainWindow::ActSetBase)->trigger();
+    const unsigned count = view.GetRealItemCount();
+    ASSERT_GT(count, 100u);
+    std::mt19937 random(7);
+    int keyed = 0;
+    for (unsigned col = 0; col < ColCount; ++col) {
+        CNyrReportViewItem::SORT_KEY key;
+        if (!view.GetRealItem(0)->OnGetItemSortKey(col, key))
+            continue;
+        ++keyed;
+        for (int n = 0; n < 2000; ++n) {
+            CNyrReportViewItem* a = view.GetRealItem(static_cast<unsigned>(random() % count));
+            CNyrReportViewItem* b = view.GetRealItem(static_cast<unsigned>(random() % count));
+            ASSERT_EQ(a->OnCompareItem(b, col), a->CNyrReportViewItem::OnCompareItem(b, col)) << col;
+        }
+    }
+    EXPECT_EQ(keyed, 10);  // every column but the name and the code
 }
 
 void Drop(QWidget& target, const QString& path)
