@@ -19,7 +19,7 @@ uint64_t Entry(int64_t day, bool uniform, int64_t offset)
 
 }  // namespace
 
-MjdReader::MjdReader() : m_days(kDays, 0) {}
+MjdReader::MjdReader() = default;
 
 MjdReader::~MjdReader() = default;
 
@@ -30,6 +30,8 @@ double MjdReader::Mjd(const CNyrTime& time)
     // Days outside these bounds lie far outside years 1..9999.
     if (day <= -kDayBias / 2 || day >= kDayBias / 2)
         return CNyrTimeHelper::GetMjd(time);
+    if (m_days.empty())
+        m_days.assign(kDays, 0);  // on the first time key, so sorts by numbers never pay for it
     uint64_t& entry = m_days[static_cast<uint64_t>(day) % kDays];
     if ((entry & kFilled) == 0 || static_cast<int64_t>(entry >> 32) - kDayBias != day) {
         // The same offset at the day's first and last second: no change in

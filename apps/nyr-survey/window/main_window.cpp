@@ -152,10 +152,7 @@ void CMainWindow::dropEvent(QDropEvent* e)
 
 void CMainWindow::closeEvent(QCloseEvent* e)
 {
-    if (MayReplaceProject())
-        e->accept();
-    else
-        e->ignore();
+    e->setAccepted(MayReplaceProject());
 }
 
 void CMainWindow::ShowAbout()
